@@ -1,0 +1,138 @@
+#include "platform/core_foundation/tree_builder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace core_foundation {
+
+namespace {
+
+constexpr size_t kFirstStack = 256;
+
+Value MakeDictionary(const Pair *pairs, size_t count, uint8_t flags) {
+    Value value;
+    value.type = ValueType::kDictionary;
+    value.flags = flags;
+    value.length = static_cast<uint32_t>(count);
+    value.pairs = pairs;
+    return value;
+}
+
+}  // namespace
+
+void TreeBuilder::Grow() {
+    const auto base = base_ - reinterpret_cast<Pair *>(stack_.data());
+    const auto count = static_cast<size_t>(top_ - reinterpret_cast<Pair *>(stack_.data()));
+    const size_t capacity = std::max(kFirstStack, 2 * count);
+    MemoryBlock grown(capacity * sizeof(Pair));
+    if (!grown) throw std::bad_alloc();
+    if (count > 0) std::memcpy(grown.data(), stack_.data(), count * sizeof(Pair));
+    stack_ = std::move(grown);
+    auto *first = reinterpret_cast<Pair *>(stack_.data());
+    base_ = first + base;
+    top_ = first + count;
+    limit_ = first + capacity;
+    top_->key = nullptr;
+}
+
+bool TreeBuilder::Open(ValueType type) {
+    if (frames_.size() == kMaxDepth) return false;
+    ++top_;
+    if (top_ == limit_) Grow();
+    top_->key = nullptr;
+    base_ = top_;
+    container_ = type;
+    frames_.push_back({type, static_cast<size_t>(base_ - reinterpret_cast<Pair *>(stack_.data())), nullptr});
+    return true;
+}
+
+Value TreeBuilder::Close() {
+    const Value closed = container_ == ValueType::kArray ? CloseArray() : CloseDictionary(frames_.back());
+    top_ = base_ - 1;
+    frames_.pop_back();
+    base_ = reinterpret_cast<Pair *>(stack_.data()) + (frames_.empty() ? 0 : frames_.back().base);
+    container_ = frames_.empty() ? ValueType::kNone : frames_.back().type;
+    return closed;
+}
+
+const Value *TreeBuilder::NewKey(std::string_view text, bool is_ascii, uint64_t hash) {
+    auto *key = document_.Allocate<Value>(1);
+    *key = MakeString(document_.CopyText(text), text.size(), is_ascii);
+    key->hash = static_cast<uint16_t>(hash);
+    return key;
+}
+
+void TreeBuilder::IndexLastKey() {
+    Frame &frame = frames_.back();
+    const auto last = static_cast<uint32_t>(top_ - base_);
+    uint32_t pair = last;
+    if (frame.index == nullptr) {
+        frame.index = std::make_unique<IndexBuilder>();
+        pair = 0;
+    }
+    for (; pair <= last; ++pair) {
+        if (!frame.index->Add(base_, pair)) frame.has_duplicates = true;
+    }
+}
+
+Value TreeBuilder::CloseArray() const {
+    Value value;
+    value.type = ValueType::kArray;
+    value.length = static_cast<uint32_t>(top_ - base_);
+    auto *items = document_.Allocate<Value>(value.length);
+    value.items = items;
+    for (const Pair *entry = base_; entry != top_; ++entry)
+        *items++ = entry->value;
+    return value;
+}
+
+Value TreeBuilder::CloseDictionary(Frame &frame) {
+    if (frame.index == nullptr) return CopySmallDistinct();
+    return frame.has_duplicates ? CopyLargeDistinct()
+                                : CopyLarge(base_, static_cast<size_t>(top_ - base_), *frame.index);
+}
+
+Value TreeBuilder::CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index) {
+    const IndexHeader header = index.MoveTo(document_);
+    auto *words = document_.Allocate<uint64_t>((sizeof header + count * sizeof(Pair)) / sizeof(uint64_t));
+    std::memcpy(words, &header, sizeof header);
+    auto *copies = reinterpret_cast<Pair *>(words + sizeof header / sizeof(uint64_t));
+    std::copy_n(pairs, count, copies);
+    return MakeDictionary(copies, count, kIndexed);
+}
+
+Value TreeBuilder::CopyLargeDistinct() {
+    std::vector<Pair> distinct;
+    IndexBuilder index;
+    for (const Pair *pair = base_; pair != top_; ++pair) {
+        distinct.push_back(*pair);
+        if (index.Add(distinct.data(), static_cast<uint32_t>(distinct.size() - 1))) continue;
+        distinct.pop_back();
+        distinct[index.Find(distinct.data(), TextOf(*pair->key))].value = pair->value;
+    }
+    return CopyLarge(distinct.data(), distinct.size(), index);
+}
+
+Value TreeBuilder::CopySmallDistinct() {
+    auto *copies = document_.Allocate<Pair>(static_cast<size_t>(top_ - base_));
+    Pair *end = copies;
+    ++dictionary_number_;
+    for (const Pair *pair = base_; pair != top_; ++pair) {
+        uint32_t &seen_in = seen_in_[pair->key->hash % seen_in_.size()];
+        if (seen_in == dictionary_number_) {
+            Pair *same = std::find_if(copies, end, [&](const Pair &earlier) {
+                return earlier.key == pair->key || TextOf(*earlier.key) == TextOf(*pair->key);
+            });
+            if (same != end) {
+                same->value = pair->value;
+                continue;
+            }
+        }
+        seen_in = dictionary_number_;
+        *end++ = *pair;
+    }
+    return MakeDictionary(copies, static_cast<size_t>(end - copies), 0);
+}
+
+}  // namespace core_foundation

@@ -1,0 +1,89 @@
+// The stack on which the readers build a tree from its leaves upwards.
+#ifndef PLATFORM_CORE_FOUNDATION_TREE_BUILDER_H
+#define PLATFORM_CORE_FOUNDATION_TREE_BUILDER_H
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "platform/core_foundation/dictionary_index.h"
+#include "platform/core_foundation/document.h"
+#include "platform/core_foundation/text_hash.h"
+#include "platform/core_foundation/value.h"
+
+namespace core_foundation {
+
+// Values wait on the stack until their container is closed, and then move into the arena as one run.
+//
+// The entry at the top is the one that comes next. It already has its key while an open dictionary waits for
+// the value. An open container takes up the entry in which its value will stand. Throws std::bad_alloc.
+class TreeBuilder {
+  public:
+    explicit TreeBuilder(Document &document) : document_(document) { Grow(); }
+
+    // Begins an array or a dictionary; false when it would lie deeper than kMaxDepth.
+    bool Open(ValueType type);
+    // Ends the innermost container and takes it from the stack: the caller pushes it where it belongs.
+    Value Close();
+
+    void Push(const Value &value) {
+        top_->value = value;
+        ++top_;
+        if (top_ == limit_) Grow();
+        top_->key = nullptr;
+    }
+
+    // Gives the next value its key. The container is a dictionary that does not await a value.
+    void PushKey(std::string_view text, bool is_ascii) {
+        top_->key = Intern(text, is_ascii);
+        if (static_cast<size_t>(top_ - base_) >= kIndexedFrom) IndexLastKey();
+    }
+
+    size_t depth() const { return frames_.size(); }
+    // What is open innermost; kNone outside of all containers.
+    ValueType container() const { return container_; }
+    bool AwaitsValue() const { return top_->key != nullptr; }
+
+    Document &document() { return document_; }
+
+  private:
+    struct Frame {
+        ValueType type;
+        size_t base;  // its first entry on the stack
+        std::unique_ptr<IndexBuilder> index;
+        bool has_duplicates = false;
+    };
+
+    // The key value for a text. The last one with the same hash bits serves again, if it has the text.
+    const Value *Intern(std::string_view text, bool is_ascii) {
+        const uint64_t hash = TextHash(text);
+        const Value *&latest = latest_keys_[hash % latest_keys_.size()];
+        if (latest == nullptr || !SameText(TextOf(*latest), text)) latest = NewKey(text, is_ascii, hash);
+        return latest;
+    }
+
+    const Value *NewKey(std::string_view text, bool is_ascii, uint64_t hash);
+    void Grow();
+    void IndexLastKey();
+    Value CloseArray() const;
+    Value CloseDictionary(Frame &frame);
+    Value CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index);
+    Value CopyLargeDistinct();
+    Value CopySmallDistinct();
+
+    Document &document_;
+    MemoryBlock stack_;
+    Pair *base_ = nullptr;  // of the innermost container
+    Pair *top_ = nullptr;
+    Pair *limit_ = nullptr;
+    ValueType container_ = ValueType::kNone;
+    std::vector<Frame> frames_;
+    std::array<const Value *, 256> latest_keys_ = {};
+    // The last dictionary that had a key of these hash bits: tells most keys distinct without a comparison.
+    std::array<uint32_t, 1024> seen_in_ = {};
+    uint32_t dictionary_number_ = 0;
+};
+
+}  // namespace core_foundation
+
+#endif

@@ -1,0 +1,95 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/windows/file_descriptor.h"
+#include "platform/windows/file_names.h"
+#include "platform/windows/file_status.h"
+#include "platform/windows/last_error.h"
+#include "platform/windows/path_resolution.h"
+#include "platform/windows/text.h"
+
+namespace {
+
+// What the HANDLE of a search points to.
+struct Search {
+    Directory directory;
+    std::wstring pattern;  // folded
+};
+
+FILETIME ToFileTime(const struct statx_timestamp &time) {
+    constexpr int64_t kSecondsFrom1601To1970 = 11644473600;
+    constexpr int64_t kTicksPerSecond = 10'000'000;
+    const auto ticks =
+        static_cast<uint64_t>((time.tv_sec + kSecondsFrom1601To1970) * kTicksPerSecond + time.tv_nsec / 100);
+    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+}
+
+// False for an entry that has vanished meanwhile, or whose name has no room.
+bool FillEntry(int folder, const char *name, WIN32_FIND_DATAW &entry) {
+    const std::wstring wide = WideFromUtf8(name);
+    struct statx status;
+    if (wide.size() >= MAX_PATH || ReadStatus(folder, name, AT_SYMLINK_NOFOLLOW, status) != 0) return false;
+    const bool is_link = S_ISLNK(status.stx_mode);
+    struct statx target;
+    if (is_link && ReadStatus(folder, name, 0, target) == 0) status = target;
+    entry = {};
+    entry.dwFileAttributes = AttributesOf(status, is_link);
+    entry.ftCreationTime = ToFileTime(CreationTime(status));
+    entry.ftLastAccessTime = ToFileTime(status.stx_atime);
+    entry.ftLastWriteTime = ToFileTime(status.stx_mtime);
+    entry.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
+    entry.nFileSizeLow = static_cast<DWORD>(status.stx_size);
+    wide.copy(entry.cFileName, wide.size());
+    return true;
+}
+
+bool ReadNext(const Search &search, WIN32_FIND_DATAW &entry) {
+    const bool matches_all = search.pattern == L"*";
+    while (const dirent *found = readdir(search.directory.get())) {
+        if (!matches_all && !MatchesPattern(search.pattern, FoldName(found->d_name))) continue;
+        if (FillEntry(dirfd(search.directory.get()), found->d_name, entry)) return true;
+    }
+    return false;
+}
+
+Directory OpenFolderOf(const SpelledPath &spelled) {
+    SpelledPath folder = spelled;
+    folder.text = FolderOf(spelled.text);
+    folder.root_size = std::min(folder.root_size, folder.text.size());
+    Directory directory(opendir(folder.text.c_str()));
+    if (!directory && errno == ENOENT) directory.reset(opendir(ResolveSpelling(folder).c_str()));
+    return directory;
+}
+
+HANDLE FailedSearch(DWORD error) {
+    SetLastError(error);
+    return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW entry) {
+    const SpelledPath spelled = SpellNativePath(std::wstring_view(pattern));
+    auto search = std::make_unique<Search>();
+    search->directory = OpenFolderOf(spelled);
+    if (!search->directory) return FailedSearch(errno == ENOENT ? ERROR_PATH_NOT_FOUND : WindowsError(errno));
+    search->pattern = FoldName(FileNameOf(spelled.text));
+    if (search->pattern == L"*.*") search->pattern = L"*";
+    if (!ReadNext(*search, *entry)) return FailedSearch(ERROR_FILE_NOT_FOUND);
+    return search.release();
+}
+
+BOOL FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW entry) {
+    if (search == nullptr || search == INVALID_HANDLE_VALUE) return FailWith(ERROR_INVALID_HANDLE);
+    return ReadNext(*static_cast<Search *>(search), *entry) ? TRUE : FailWith(ERROR_NO_MORE_FILES);
+}
+
+BOOL FindClose(HANDLE search) {
+    if (search == nullptr || search == INVALID_HANDLE_VALUE) return FailWith(ERROR_INVALID_HANDLE);
+    delete static_cast<Search *>(search);
+    return TRUE;
+}

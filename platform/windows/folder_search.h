@@ -1,0 +1,59 @@
+#ifndef PLATFORM_WINDOWS_FOLDER_SEARCH_H
+#define PLATFORM_WINDOWS_FOLDER_SEARCH_H
+
+#include <cstddef>
+#include <iterator>
+#include <string>
+
+#include "platform/windows/windows_api.h"
+
+/* A folder search as a range, to be walked once:
+ *
+ *     for (const WIN32_FIND_DATAW &entry : FolderSearch(folder + L"\\*")) ...
+ *
+ * Every entry comes, "." and ".." too. A search that cannot start is an empty range. The entry is valid until
+ * the next step of the loop. */
+class FolderSearch {
+  public:
+    explicit FolderSearch(const std::wstring &pattern) : search_(FindFirstFileW(pattern.c_str(), &entry_)) {}
+    ~FolderSearch() { Close(); }
+    FolderSearch(const FolderSearch &) = delete;
+    FolderSearch &operator=(const FolderSearch &) = delete;
+
+    class Iterator {
+      public:
+        using iterator_concept = std::input_iterator_tag;
+        using value_type = WIN32_FIND_DATAW;
+        using difference_type = std::ptrdiff_t;
+
+        explicit Iterator(FolderSearch *search) : search_(search) {}
+        const WIN32_FIND_DATAW &operator*() const { return search_->entry_; }
+        const WIN32_FIND_DATAW *operator->() const { return &search_->entry_; }
+        Iterator &operator++() {
+            search_->Advance();
+            return *this;
+        }
+        void operator++(int) { search_->Advance(); }
+        bool operator==(std::default_sentinel_t) const { return search_->search_ == INVALID_HANDLE_VALUE; }
+
+      private:
+        FolderSearch *search_;
+    };
+
+    Iterator begin() { return Iterator(this); }
+    std::default_sentinel_t end() const { return std::default_sentinel; }
+
+  private:
+    void Advance() {
+        if (FindNextFileW(search_, &entry_) == FALSE) Close();
+    }
+    void Close() {
+        if (search_ != INVALID_HANDLE_VALUE) FindClose(search_);
+        search_ = INVALID_HANDLE_VALUE;
+    }
+
+    WIN32_FIND_DATAW entry_ = {};
+    HANDLE search_;
+};
+
+#endif

@@ -1,0 +1,137 @@
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <initializer_list>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+#include "platform/windows/windows_api.h"
+
+// A load asks for two times of each track, hundreds of thousands in a row, and mktime looks at the system's
+// zone file again at each call. Here mktime is asked for midnights only. Where it shifts four midnights in a
+// row alike, the zone's rules do not change on the day between the second and the third, nor so near that an
+// hour of that day could be skipped, come twice, or be read with another day's rules; so every second of it
+// is shifted alike as well. Every other day, and every time outside the range below, goes to mktime itself.
+
+namespace {
+
+constexpr int64_t kDaySeconds = 86400;
+constexpr int64_t kFirstCached =
+    7 * kDaySeconds;                          // a week into 1970: no midnight that is asked for is negative
+constexpr int64_t kEndOfCached = 4102444800;  // 2100
+// How long a change of the system's own zone may go unseen.
+constexpr std::chrono::seconds kLifetime(1);
+
+int64_t ExactTime(std::tm &fields) {
+    std::tm normalised = fields;
+    const int64_t time = std::mktime(&normalised);
+    if (time < 0) return -1;
+    fields = normalised;
+    return time;
+}
+
+// The seconds from 1970 to the fields read as UTC, if they lie in the cached range. The seconds field must be
+// in its own range: mktime counts what goes beyond as real seconds, not as those of the clock on the wall.
+std::optional<int64_t> WallSeconds(const std::tm &fields) {
+    const int64_t months = int64_t{fields.tm_year} * 12 + fields.tm_mon;
+    if (fields.tm_sec < 0 || fields.tm_sec > 59 || months < 0 || months > 300 * 12) return std::nullopt;
+    const std::chrono::year_month_day first_of_month =
+        std::chrono::year(static_cast<int>(1900 + months / 12)) / static_cast<int>(1 + months % 12) / 1;
+    const int64_t days =
+        std::chrono::sys_days(first_of_month).time_since_epoch().count() + int64_t{fields.tm_mday} - 1;
+    const int64_t minutes = int64_t{fields.tm_hour} * 60 + fields.tm_min;
+    const int64_t seconds = days * kDaySeconds + minutes * 60 + fields.tm_sec;
+    return seconds >= kFirstCached && seconds < kEndOfCached ? std::optional(seconds) : std::nullopt;
+}
+
+void SetFields(std::tm &fields, int64_t wall_seconds) {
+    const std::chrono::sys_days day{std::chrono::days(wall_seconds / kDaySeconds)};
+    const std::chrono::year_month_day date = day;
+    const auto rest = static_cast<int>(wall_seconds % kDaySeconds);
+    fields.tm_year = static_cast<int>(date.year()) - 1900;
+    fields.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
+    fields.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
+    fields.tm_hour = rest / 3600;
+    fields.tm_min = rest / 60 % 60;
+    fields.tm_sec = rest % 60;
+    fields.tm_wday = static_cast<int>(std::chrono::weekday(day).c_encoding());
+    fields.tm_yday = static_cast<int>((day - std::chrono::sys_days(date.year() / 1 / 1)).count());
+}
+
+// What mktime makes of one wall time: how far the moment and the normalised wall time are from it, and the
+// zone then.
+struct Shift {
+    int64_t to_moment = 0;
+    int64_t to_wall = 0;
+    int is_dst = 0;
+    long utc_offset = 0;
+    const char *zone = nullptr;
+    bool operator==(const Shift &) const = default;
+};
+
+// Empty if mktime refuses the time.
+std::optional<Shift> AskMktime(int64_t wall_seconds, int is_dst) {
+    std::tm fields = {};
+    SetFields(fields, wall_seconds);
+    fields.tm_isdst = is_dst;
+    const int64_t moment = std::mktime(&fields);
+    const std::optional<int64_t> wall = WallSeconds(fields);
+    if (moment < 0 || !wall) return std::nullopt;
+    return Shift{moment - wall_seconds, *wall - wall_seconds, fields.tm_isdst, fields.tm_gmtoff,
+                 fields.tm_zone};
+}
+
+class ShiftCache {
+  public:
+    // The shift of every time of a day; empty if mktime has to say for each. `is_dst` is -1, 0 or 1.
+    std::optional<Shift> OfDay(int64_t day, int is_dst) {
+        const std::lock_guard lock(mutex_);
+        ForgetIfStale();
+        const std::optional<Shift> &shift = OfMidnight(day, is_dst);
+        for (const int64_t neighbour : {day - 1, day + 1, day + 2}) {
+            if (OfMidnight(neighbour, is_dst) != shift) return std::nullopt;
+        }
+        return shift;
+    }
+
+  private:
+    void ForgetIfStale() {
+        const char *zone = std::getenv("TZ");
+        const bool same_zone = zone == nullptr ? !zone_ : zone_ == zone;
+        const auto now = std::chrono::steady_clock::now();
+        if (same_zone && now < end_) return;
+        zone_ = zone == nullptr ? std::nullopt : std::optional<std::string>(zone);
+        end_ = now + kLifetime;
+        midnights_.clear();
+    }
+
+    const std::optional<Shift> &OfMidnight(int64_t day, int is_dst) {
+        const auto [place, added] = midnights_.try_emplace(day * 3 + is_dst);
+        if (added) place->second = AskMktime(day * kDaySeconds, is_dst);
+        return place->second;
+    }
+
+    std::mutex mutex_;  // guards the rest
+    std::optional<std::string> zone_;
+    std::chrono::steady_clock::time_point end_{};
+    std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
+};
+
+}  // namespace
+
+int64_t _mktime64(std::tm *time) {
+    static ShiftCache cache;
+    const std::optional<int64_t> wall = WallSeconds(*time);
+    if (!wall) return ExactTime(*time);
+    const std::optional<Shift> shift = cache.OfDay(*wall / kDaySeconds, std::clamp(time->tm_isdst, -1, 1));
+    if (!shift) return ExactTime(*time);
+    SetFields(*time, *wall + shift->to_wall);
+    time->tm_isdst = shift->is_dst;
+    time->tm_gmtoff = shift->utc_offset;
+    time->tm_zone = shift->zone;
+    return *wall + shift->to_moment;
+}

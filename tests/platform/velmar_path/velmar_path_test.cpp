@@ -1,0 +1,121 @@
+#include "platform/velmar_path/velmar_path.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+Pairs PairsOf(VelmarAttribute *attribute) {
+    Pairs pairs;
+    for (int32_t i = 0; i < GetVelmarAttributeSize(attribute); ++i) {
+        const char *key = nullptr;
+        const char *value = nullptr;
+        EXPECT_EQ(GetVelmarAttributeItem(attribute, i, &key, &value), 0);
+        pairs.emplace_back(key, value);
+    }
+    return pairs;
+}
+
+void Collect(const char *line, void *context) { static_cast<std::vector<std::string> *>(context)->push_back(line); }
+
+TEST(VelmarArray, KeepsOrderAndClosesTheGapOfADeletedItem) {
+    VelmarArray *array = nullptr;
+    ASSERT_EQ(AllocVelmarArray(&array), 0);
+    int items[3] = {};
+    for (int &item : items) ASSERT_EQ(AddVelmarArrayItem(array, &item), 0);
+    EXPECT_EQ(DeleteVelmarArrayItem(array, 1), 0);
+    EXPECT_EQ(GetVelmarArraySize(array), 2);
+    void *item = nullptr;
+    EXPECT_EQ(GetVelmarArrayItem(array, 1, &item), 0);
+    EXPECT_EQ(item, &items[2]);
+    for (const int32_t outside : {-1, 2}) {
+        item = &items[0];
+        EXPECT_LT(GetVelmarArrayItem(array, outside, &item), 0);
+        EXPECT_EQ(item, &items[0]);
+        EXPECT_LT(DeleteVelmarArrayItem(array, outside), 0);
+    }
+    EXPECT_EQ(FreeVelmarArray(array), 0);
+}
+
+TEST(VelmarAttribute, AgreesWithAPlainListUnderRandomChanges) {
+    std::mt19937 random(7);
+    VelmarAttribute *attribute = nullptr;
+    ASSERT_EQ(AllocVelmarAttribute(&attribute), 0);
+    Pairs expected;
+    for (int step = 0; step < 5000; ++step) {
+        const std::string key = "key" + std::to_string(random() % 90);
+        const std::string value(random() % 700, static_cast<char>('a' + step % 26));
+        const auto present = std::find_if(expected.begin(), expected.end(),
+                                          [&](const auto &pair) { return pair.first == key; });
+        if (random() % 50 == 0) {
+            ASSERT_EQ(AddVelmarAttributeItem(attribute, key.c_str(), value.c_str()), 0);
+            expected.emplace_back(key, value);
+            continue;
+        }
+        ASSERT_EQ(SetVelmarAttributeValue(attribute, key.c_str(), value.c_str()), 0);
+        if (present == expected.end()) {
+            expected.emplace_back(key, value);
+        } else {
+            present->second = value;
+        }
+    }
+    EXPECT_EQ(PairsOf(attribute), expected);
+    for (int i = 0; i < 120; ++i) {
+        const std::string key = "key" + std::to_string(i);
+        const auto first = std::find_if(expected.begin(), expected.end(),
+                                        [&](const auto &pair) { return pair.first == key; });
+        const char *value = "untouched";
+        EXPECT_EQ(FindVelmarAttributeValue(attribute, key.c_str(), &value) == 0, first != expected.end()) << key;
+        EXPECT_EQ(value, first == expected.end() ? "untouched" : first->second) << key;
+    }
+    EXPECT_EQ(FreeVelmarAttribute(attribute), 0);
+}
+
+TEST(VelmarAttribute, FoundValueSurvivesLaterItems) {
+    VelmarAttribute *attribute = nullptr;
+    ASSERT_EQ(AllocVelmarAttribute(&attribute), 0);
+    AddVelmarAttributeItem(attribute, "name", "Blue");
+    const char *found = nullptr;
+    ASSERT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
+    for (int i = 0; i < 1000; ++i) AddVelmarAttributeItem(attribute, std::to_string(i).c_str(), "x");
+    EXPECT_STREQ(found, "Blue");
+    EXPECT_LT(FindVelmarAttributeValue(attribute, "nam", &found), 0);
+    EXPECT_LT(FindVelmarAttributeValue(attribute, "names", &found), 0);
+    FreeVelmarAttribute(attribute);
+}
+
+TEST(VelmarLog, PrintsTheForeignNumberFormatAndLongLines) {
+    std::vector<std::string> lines;
+    SetVelmarLogHandler(Collect, &lines);
+    WriteVelmarLog("total = %I64d, size = %d%%", static_cast<long long>(5000000000), 7);
+    WriteVelmarLog("%s", std::string(10000, 'x').c_str());
+    SetVelmarLogHandler(nullptr, nullptr);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0], "total = 5000000000, size = 7%");
+    EXPECT_EQ(lines[1].size(), 10000u);
+}
+
+TEST(VelmarLog, HandlerMayChangeWhileAnotherThreadLogs) {
+    std::vector<std::string> lines;
+    std::thread writer([] {
+        for (int i = 0; i < 200; ++i) WriteVelmarLog("%d", i);
+    });
+    for (int i = 0; i < 200; ++i) {
+        SetVelmarLogHandler([](const char *, void *) {}, nullptr);
+    }
+    writer.join();
+    SetVelmarLogHandler(Collect, &lines);
+    WriteVelmarLog("last");
+    SetVelmarLogHandler(nullptr, nullptr);
+    EXPECT_EQ(lines, std::vector<std::string>{"last"});
+}
+
+}  // namespace

@@ -1,0 +1,107 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "platform/windows/text.h"
+#include "platform/windows/windows_api.h"
+#include "tests/support/scoped_environment.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+std::string Variable(const wchar_t *name) {
+    std::array<wchar_t, 64> buffer;
+    const DWORD size = GetEnvironmentVariableW(name, buffer.data(), static_cast<DWORD>(buffer.size()));
+    return Utf8FromWide({buffer.data(), size});
+}
+
+TEST(Environment, SizesAsTheApi) {
+    const ScopedEnvironment variable("DRIVER_TEST_VALUE", "\xC3\xA9\xFFz");
+    std::array<wchar_t, 4> buffer;
+    EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", nullptr, 0), 4U);
+    EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", buffer.data(), 3), 4U);
+    EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", buffer.data(), 4), 3U);
+    EXPECT_EQ(Utf8FromWide(buffer.data()), "\xC3\xA9\xFFz");
+    EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_ABSENT", buffer.data(), 4), 0U);
+    EXPECT_EQ(GetLastError(), ERROR_ENVVAR_NOT_FOUND);
+}
+
+TEST(Environment, TempIsTheSystemsFolderWhileUnset) {
+    const ScopedEnvironment temp("TEMP", std::nullopt);
+    {
+        const ScopedEnvironment unix_name("TMPDIR", "/elsewhere");
+        EXPECT_EQ(Variable(L"TEMP"), "/elsewhere");
+        const ScopedEnvironment set("TEMP", "C:\\Temp");
+        EXPECT_EQ(Variable(L"TEMP"), "C:\\Temp");
+    }
+    const ScopedEnvironment unix_name("TMPDIR", std::nullopt);
+    EXPECT_EQ(Variable(L"TEMP"), P_tmpdir);
+}
+
+class MusicFolder : public testing::Test {
+  protected:
+    std::string Get() const {
+        std::array<wchar_t, MAX_PATH> path;
+        const HRESULT result =
+            SHGetFolderPathW(nullptr, CSIDL_MYMUSIC, nullptr, SHGFP_TYPE_CURRENT, path.data());
+        return result == S_OK ? Utf8FromWide(path.data()) : "failure";
+    }
+
+    TempFolder home_;
+    ScopedEnvironment home_variable_{"HOME", home_.path().string()};
+    ScopedEnvironment config_variable_{"XDG_CONFIG_HOME", std::nullopt};
+};
+
+TEST_F(MusicFolder, IsMusicInTheHomeFolder) {
+    EXPECT_EQ(Get(), home_.path().string() + "/Music");
+}
+
+TEST_F(MusicFolder, GoesByTheUserFolders) {
+    home_.Write(".config/user-dirs.dirs",
+                "# XDG_MUSIC_DIR=\"/comment\"\nXDG_VIDEOS_DIR=\"/v\"\n  XDG_MUSIC_DIR=\"$HOME/Meine "
+                "\\\"Musik\\\"/\"\n");
+    EXPECT_EQ(Get(), home_.path().string() + "/Meine \"Musik\"");
+    home_.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"/srv/music\"\n");
+    const ScopedEnvironment config("XDG_CONFIG_HOME", home_.path().string() + "/other");
+    EXPECT_EQ(Get(), "/srv/music");
+    home_.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"relative\"\nXDG_MUSIC_DIR=\n");
+    EXPECT_EQ(Get(), home_.path().string() + "/Music");
+}
+
+TEST_F(MusicFolder, FailsWhereThereIsNoRoomOrNoSuchFolder) {
+    std::array<wchar_t, MAX_PATH> path;
+    EXPECT_TRUE(FAILED(SHGetFolderPathW(nullptr, 5, nullptr, 0, path.data())));
+    const ScopedEnvironment home("HOME", "/" + std::string(300, 'h'));
+    EXPECT_EQ(Get(), "failure");
+}
+
+TEST(DynamicLibrary, LoadsByNameAndByPath) {
+    const HMODULE library = LoadLibraryW(L"libm.so.6");
+    ASSERT_NE(library, nullptr);
+    const auto cosine = reinterpret_cast<double (*)(double)>(GetProcAddress(library, "cos"));
+    ASSERT_NE(cosine, nullptr);
+    EXPECT_EQ(cosine(0.0), 1.0);
+    EXPECT_EQ(GetProcAddress(library, "absent"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
+    EXPECT_EQ(FreeLibrary(library), TRUE);
+    const TempFolder folder;
+    folder.Write("libm.so.6", "no library");
+    for (const std::wstring &name : {std::wstring(L"MediaInfo-absent.dll"), std::wstring(),
+                                     WideFromUtf8(folder.path().string() + "\\libm.so.6")}) {
+        EXPECT_EQ(LoadLibraryW(name.c_str()), nullptr);
+        EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
+    }
+    EXPECT_EQ(GetProcAddress(nullptr, "cos"), nullptr);
+    EXPECT_EQ(FreeLibrary(nullptr), FALSE);
+}
+
+TEST(Windows, NoneIsThere) {
+    EXPECT_EQ(GetForegroundWindow(), nullptr);
+    EXPECT_EQ(FindWindowW(L"iTunes", L"iTunes"), nullptr);
+    EXPECT_EQ(SetForegroundWindow(nullptr), FALSE);
+}
+
+}  // namespace

@@ -1,0 +1,169 @@
+#include "platform/windows/text.h"
+
+#include <glib.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/windows/ansi_code_page.h"
+#include "platform/windows/windows_api.h"
+#include "tests/support/scoped_environment.h"
+
+namespace {
+
+// Every text of up to `length` bytes out of the bytes at which the rules of UTF-8 change.
+void ForEachByteText(size_t length, const std::function<void(const std::string &)> &check) {
+    constexpr std::array<unsigned char, 20> kBytes = {0x00, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F,
+                                                      0xA0, 0xBF, 0xC0, 0xC1, 0xC2, 0xDF, 0xE0,
+                                                      0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0xFF};
+    std::vector<std::string> texts = {""};
+    for (size_t size = 0; size < length; ++size) {
+        std::vector<std::string> longer;
+        for (const std::string &text : texts) {
+            for (const unsigned char byte : kBytes) {
+                longer.push_back(text + static_cast<char>(byte));
+                check(longer.back());
+            }
+        }
+        texts = std::move(longer);
+    }
+}
+
+// The same decoding with GLib, one character or one byte at a time.
+std::wstring ReferenceWide(const std::string &text) {
+    std::wstring wide;
+    for (size_t i = 0; i < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const gunichar c =
+            byte == 0 ? 0 : g_utf8_get_char_validated(text.data() + i, static_cast<gssize>(text.size() - i));
+        const bool valid = c < 0x110000;
+        wide += static_cast<wchar_t>(valid ? c : 0xDC00U + byte);
+        i += valid ? static_cast<size_t>(g_unichar_to_utf8(c, nullptr)) : 1;
+    }
+    return wide;
+}
+
+TEST(Utf8Text, EveryShortTextDecodesAsTheReferenceAndComesBack) {
+    int failures = 0;
+    ForEachByteText(4, [&failures](const std::string &text) {
+        const std::wstring wide = WideFromUtf8(text);
+        if (wide != ReferenceWide(text) || Utf8FromWide(wide) != text) ++failures;
+    });
+    EXPECT_EQ(failures, 0);
+}
+
+TEST(Utf8Text, SurrogatesOfWideText) {
+    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, 0xDC80}), "\xF0\x9F\x92\x80");
+    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, L'a'}),
+              "\xEF\xBF\xBD"
+              "a");
+    EXPECT_EQ(Utf8FromWide(std::wstring{0xDE00}), "\xEF\xBF\xBD");
+    EXPECT_EQ(Utf8FromWide(std::wstring{static_cast<wchar_t>(0x110000)}), "\xEF\xBF\xBD");
+}
+
+TEST(TextConversion, SizesAndTerminators) {
+    std::array<wchar_t, 4> wide;
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", 3, wide.data(), 4), 2);
+    wide.fill(L'#');
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 3), 3);
+    EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 2), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "", 0, wide.data(), 2), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xFF", -1, wide.data(), 4), 0);
+    EXPECT_EQ(GetLastError(), ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
+
+    std::array<char, 4> narrow;
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, nullptr, 0, nullptr, nullptr), 3);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 4, nullptr, nullptr), 3);
+    EXPECT_STREQ(narrow.data(), "\xC3\xA9");
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 2, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, nullptr, -1, narrow.data(), 2, nullptr, nullptr), 0);
+}
+
+TEST(AnsiText, EveryByteOfTheSingleByteCodePagesComesBack) {
+    for (const UINT page : {874U, 1250U, 1251U, 1252U, 1253U, 1254U, 1255U, 1256U, 1257U, 20866U, 28605U}) {
+        for (int byte = 1; byte < 256; ++byte) {
+            const char text = static_cast<char>(byte);
+            wchar_t wide = 0;
+            char back = 0;
+            BOOL defaulted = FALSE;
+            ASSERT_EQ(MultiByteToWideChar(page, 0, &text, 1, &wide, 1), 1) << page << " " << byte;
+            ASSERT_EQ(WideCharToMultiByte(page, 0, &wide, 1, &back, 1, nullptr, &defaulted), 1)
+                << page << " " << byte;
+            const bool undefined = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, &text, 1, &wide, 1) == 0;
+            EXPECT_EQ(defaulted != FALSE, undefined) << page << " " << byte;
+            EXPECT_EQ(back, undefined ? '?' : text) << page << " " << byte;
+        }
+    }
+}
+
+TEST(AnsiText, GoesByTheLocale) {
+    const ScopedEnvironment all("LC_ALL", "ru_RU.UTF-8");
+    EXPECT_EQ(GetACP(), 1251U);
+    EXPECT_EQ(AnsiFromWide(L"\x0416 \x00E9 \x1F600"), "\xC6 ? ?");
+    wchar_t wide = 0;
+    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "\xC6", 1, &wide, 1), 1);
+    EXPECT_EQ(wide, 0x0416);
+}
+
+TEST(AnsiText, MultiByteAndCombiningCodePages) {
+    std::array<wchar_t, 8> wide;
+    EXPECT_EQ(MultiByteToWideChar(932, 0, "\x93\xFA\x96{", 4, wide.data(), 8), 2);
+    EXPECT_EQ(std::wstring(wide.data(), 2), L"\x65E5\x672C");
+    // A lead byte without its second byte ends the text.
+    EXPECT_EQ(MultiByteToWideChar(932, 0, "a\x93", 2, wide.data(), 8), 2);
+    EXPECT_EQ(std::wstring(wide.data(), 2), L"a\x0093");
+    // A letter that still waits for a mark stands before what cannot be converted.
+    EXPECT_EQ(MultiByteToWideChar(1258, 0, "e\xD2z", 3, wide.data(), 8), 2);
+    EXPECT_EQ(std::wstring(wide.data(), 2), L"\x1EBBz");
+    EXPECT_EQ(AnsiFromWide(L""), "");
+}
+
+TEST(CodePageOfLocale, LanguagesAndCharacterSets) {
+    const std::pair<const char *, UINT> cases[] = {
+        {"", 1252},
+        {"C", 1252},
+        {"C.UTF-8", 1252},
+        {"POSIX", 1252},
+        {"de_DE.UTF-8", 1252},
+        {"cs_CZ.UTF-8", 1250},
+        {"sr_RS@latin", 1250},
+        {"sr_RS.UTF-8", 1251},
+        {"el_GR.utf8", 1253},
+        {"tr_TR.UTF-8", 1254},
+        {"he_IL.UTF-8", 1255},
+        {"ar_EG.UTF-8", 1256},
+        {"lt_LT.UTF-8", 1257},
+        {"vi_VN.UTF-8", 1258},
+        {"th_TH.UTF-8", 874},
+        {"ja_JP.UTF-8", 932},
+        {"zh_CN.UTF-8", 936},
+        {"zh_TW.UTF-8", 950},
+        {"zh_HK.UTF-8", 950},
+        {"ko_KR.UTF-8", 949},
+        {"xx_XX.UTF-8", 1252},
+        {"uz_UZ.UTF-8@cyrillic", 1251},
+        {"s", 1252},
+        {"de_DE.ISO-8859-15@euro", 28605},
+        {"pl_PL.iso88592", 28592},
+        {"ru_RU.KOI8-R", 20866},
+        {"ja_JP.eucJP", 20932},
+        {"ja_JP.SJIS", 932},
+        {"bg_BG.CP1251", 1251},
+        {"zh_CN.GB18030", 54936},
+        {"de_DE.UTF-8@\xFF", 1252},
+    };
+    for (const auto &[locale, page] : cases)
+        EXPECT_EQ(CodePageOfLocale(locale), page) << locale;
+}
+
+}  // namespace
