@@ -1,0 +1,61 @@
+#include "content/path_text.h"
+
+#include <algorithm>
+
+#include "platform/windows/text.h"
+#include "platform/windows/windows_api.h"
+
+namespace {
+
+// Asked again with more room as long as the value does not fit: it may grow between two calls.
+std::wstring TempFolderPath() {
+    std::wstring value(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD size = GetEnvironmentVariableW(L"TEMP", value.data(), static_cast<DWORD>(value.size()));
+        const bool fits = size < value.size();
+        value.resize(size);
+        if (fits) return value;
+    }
+}
+
+}  // namespace
+
+void ReplaceChar(std::string &text, char find, char put) {
+    std::replace(text.begin(), text.end(), find, put);
+}
+
+std::optional<std::string> DirectoryOfPath(std::string_view path) {
+    const size_t separator = path.find_last_of("\\/");
+    if (separator == std::string_view::npos) return std::nullopt;
+    return std::string(path.substr(0, separator));
+}
+
+std::string_view FileNameOfPath(std::string_view path) {
+    // Without a backslash, npos plus 1 is the first character.
+    return path.substr(path.rfind('\\') + 1);
+}
+
+std::string_view ExtensionOfPath(std::string_view path) {
+    const size_t dot = path.rfind('.');
+    return dot == std::string_view::npos ? std::string_view() : path.substr(dot);
+}
+
+std::string BuildTempPath(std::optional<std::string_view> folder, std::string_view name) {
+    std::string path = WideToUtf8(TempFolderPath()) + '\\';
+    if (folder) path.append(*folder) += '\\';
+    return path.append(name);
+}
+
+std::wstring BuildTempPathW(std::optional<std::wstring_view> folder, std::wstring_view name) {
+    std::wstring path = TempFolderPath() + L'\\';
+    if (folder && !folder->empty()) path.append(*folder) += L'\\';
+    return path.append(name);
+}
+
+std::wstring Utf8ToWide(std::string_view text) {
+    return WideFromUtf8(text);
+}
+
+std::string WideToUtf8(std::wstring_view text) {
+    return Utf8FromWide(text);
+}

@@ -1,0 +1,191 @@
+#include "driver/driver_path.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "driver/library_driver.h"
+#include "driver/path_lookup.h"
+#include "platform/windows/windows_api.h"
+
+namespace {
+
+// Below this number a walk over the names is as fast as an index.
+constexpr int32_t kFewChildren = 16;
+
+// Positions of the three fixed children of the root.
+constexpr int32_t kLibraryPosition = 0;
+constexpr int32_t kGeniusPosition = 1;
+constexpr int32_t kPlaylistPosition = 2;
+
+bool HasName(const DriverPath *path, int32_t index, std::string_view name) {
+    const char *text = ChildNameAt(path, index);
+    // The bytes first: a name that is longer than the text differs in the text's terminator at the latest.
+    return text != nullptr && std::strncmp(text, name.data(), name.size()) == 0 && text[name.size()] == '\0';
+}
+
+void IndexName(DriverPath *path, int32_t index) {
+    const char *text = ChildNameAt(path, index);
+    if (text == nullptr) return;
+    const auto same = [=](uint32_t position) { return HasName(path, static_cast<int32_t>(position), text); };
+    path->child_index->Add(HashOf(text), static_cast<uint32_t>(index), same);
+}
+
+void IndexNewestName(DriverPath *parent) {
+    const int32_t count = GetVelmarArraySize(parent->names);
+    if (count < kFewChildren) return;
+    if (parent->child_index) {
+        IndexName(parent, count - 1);
+        return;
+    }
+    parent->child_index = std::make_unique<TextIndex>();
+    for (int32_t i = 0; i < count; ++i) IndexName(parent, i);
+}
+
+int32_t FindName(const DriverPath *path, std::string_view name) {
+    if (path->child_index) {
+        const auto same = [=](uint32_t position) { return HasName(path, static_cast<int32_t>(position), name); };
+        const auto found = path->child_index->Find(HashOf(name), same);
+        return found ? static_cast<int32_t>(*found) : -1;
+    }
+    const int32_t count = GetVelmarArraySize(path->names);
+    for (int32_t i = 0; i < count; ++i) {
+        if (HasName(path, i, name)) return i;
+    }
+    return -1;
+}
+
+// Frees everything that belongs to one node alone.
+void FreeNode(DriverPath *path) {
+    for (int32_t i = GetVelmarArraySize(path->names) - 1; i >= 0; --i) {
+        void *name = nullptr;
+        GetVelmarArrayItem(path->names, i, &name);
+        std::free(name);
+    }
+    FreeVelmarArray(path->names);
+    FreeVelmarAttribute(path->attributes);
+    FreeVelmarArray(path->children);
+    std::free(path->open_path);
+    delete path;
+}
+
+DriverPath *RootChild(const LibraryDriver *driver, int32_t position) {
+    return driver == nullptr || driver->root == nullptr ? nullptr : ChildAt(driver->root, position);
+}
+
+bool HangsInTree(const DriverPath *path) { return path->parent != nullptr || path == path->owner->root; }
+
+bool IsAncestor(const DriverPath *ancestor, const DriverPath *path) {
+    while (path != nullptr && path != ancestor) path = path->parent;
+    return path != nullptr;
+}
+
+void LinkToParent(DriverPath *parent, DriverPath *child) {
+    const bool first_holder = child->parent == nullptr;
+    // The new place is the last one under its parent, so it comes behind everything that the parent holds already.
+    if (!first_holder && (!ComesBefore(parent, child) || IsAncestor(parent, child))) return;
+    child->parent = parent;
+    child->sequence = child->owner->next_sequence++;
+    NoteAppendedChild(parent, child, !first_holder);
+}
+
+// The distance to the top of the tree.
+int32_t DepthOf(const DriverPath *path) {
+    int32_t depth = 0;
+    while ((path = path->parent) != nullptr) ++depth;
+    return depth;
+}
+
+}  // namespace
+
+DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
+    auto path = std::make_unique<DriverPath>();
+    path->owner = driver;
+    path->kind = kind;
+    path->category = category;
+    path->subcategory = subcategory;
+    AllocVelmarArray(&path->children);
+    AllocVelmarArray(&path->names);
+    AllocVelmarAttribute(&path->attributes);
+    if (path->children == nullptr || path->names == nullptr || path->attributes == nullptr) {
+        FreeNode(path.release());
+        throw std::bad_alloc();
+    }
+    return path.release();
+}
+
+void AppendChild(DriverPath *parent, const char *name, DriverPath *child) {
+    AddVelmarArrayItem(parent->children, child);
+    if (name != nullptr) {
+        AddVelmarArrayItem(parent->names, _strdup(name));
+        IndexNewestName(parent);
+    }
+    if (HangsInTree(parent)) LinkToParent(parent, child);
+}
+
+int32_t ChildCount(const DriverPath *path) { return GetVelmarArraySize(path->children); }
+
+DriverPath *ChildAt(const DriverPath *path, int32_t index) {
+    void *child = nullptr;
+    if (GetVelmarArrayItem(path->children, index, &child) != 0) return nullptr;
+    return static_cast<DriverPath *>(child);
+}
+
+const char *ChildNameAt(const DriverPath *path, int32_t index) {
+    void *name = nullptr;
+    if (GetVelmarArrayItem(path->names, index, &name) != 0) return nullptr;
+    return static_cast<const char *>(name);
+}
+
+DriverPath *FindChild(const DriverPath *path, std::string_view name) {
+    const int32_t index = FindName(path, name);
+    return index < 0 ? nullptr : ChildAt(path, index);
+}
+
+// With a list of its own instead of recursion, as lists may be nested to any depth.
+void ReleaseDriverPath(DriverPath *path) {
+    std::vector<DriverPath *> pending{path};
+    while (!pending.empty()) {
+        DriverPath *node = pending.back();
+        pending.pop_back();
+        if (node == nullptr) continue;
+        if (node->share_count >= 2) {
+            --node->share_count;
+            continue;
+        }
+        const int32_t count = ChildCount(node);
+        for (int32_t i = 0; i < count; ++i) pending.push_back(ChildAt(node, i));
+        FreeNode(node);
+    }
+}
+
+bool ComesBefore(const DriverPath *first, const DriverPath *second) {
+    int32_t first_depth = DepthOf(first);
+    int32_t second_depth = DepthOf(second);
+    const bool first_is_higher = first_depth <= second_depth;
+    for (; first_depth > second_depth; --first_depth) first = first->parent;
+    for (; second_depth > first_depth; --second_depth) second = second->parent;
+    // One is an ancestor of the other: a walk meets a node before its children.
+    if (first == second) return first_is_higher;
+    while (first->parent != second->parent) {
+        first = first->parent;
+        second = second->parent;
+    }
+    return first->sequence < second->sequence;
+}
+
+DriverPath *GetLibraryRoot(const LibraryDriver *driver) { return RootChild(driver, kLibraryPosition); }
+
+DriverPath *GetGeniusRoot(const LibraryDriver *driver) { return RootChild(driver, kGeniusPosition); }
+
+DriverPath *GetPlaylistRoot(const LibraryDriver *driver) { return RootChild(driver, kPlaylistPosition); }
+
+DriverPath *CreateCategoryPath(LibraryDriver *driver, const char *name, int32_t kind, int32_t category,
+                               int32_t subcategory) {
+    DriverPath *library = GetLibraryRoot(driver);
+    if (library == nullptr || library->children == nullptr) return nullptr;
+    DriverPath *path = CreateDriverPath(driver, kind, category, subcategory);
+    AppendChild(library, name, path);
+    return path;
+}

@@ -1,0 +1,107 @@
+#ifndef DRIVER_DRIVER_PATH_H
+#define DRIVER_DRIVER_PATH_H
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "driver/itunes_driver.h"
+#include "driver/text_index.h"
+#include "platform/core_foundation/core_foundation.h"
+#include "platform/itl_parser/itl_parser.h"
+
+// The numbers that type a node.
+namespace node_kind {
+constexpr int32_t kRoot = 0;
+constexpr int32_t kFolder = 1;  // a category root, a list or a "thumb" node
+constexpr int32_t kApplicationFile = 2;
+constexpr int32_t kFile = 4;
+}  // namespace node_kind
+
+namespace node_category {
+constexpr int32_t kNone = 0;
+constexpr int32_t kList = 1;
+constexpr int32_t kAudio = 2;
+constexpr int32_t kVideo = 3;
+constexpr int32_t kThumbnail = 4;
+constexpr int32_t kBook = 5;
+constexpr int32_t kApplication = 6;
+}  // namespace node_category
+
+namespace node_subcategory {
+constexpr int32_t kNone = 0;
+constexpr int32_t kLibrary = 1;
+constexpr int32_t kPlaylists = 2;
+constexpr int32_t kSmartPlaylist = 3;
+constexpr int32_t kPlaylist = 4;
+constexpr int32_t kPlaylistFolder = 5;
+constexpr int32_t kPodcast = 9;
+constexpr int32_t kGenius = 12;
+constexpr int32_t kMusic = 20;
+constexpr int32_t kRingtone = 21;
+constexpr int32_t kMovie = 30;
+constexpr int32_t kTvShow = 31;
+constexpr int32_t kThumbOfTrack = 43;
+constexpr int32_t kThumbnail = 44;
+constexpr int32_t kBook = 50;
+constexpr int32_t kApplication = 60;
+}  // namespace node_subcategory
+
+// A node of the tree. `children` and `names` are parallel, and change through AppendChild alone.
+struct DriverPath {
+    LibraryDriver *owner = nullptr;
+    char *open_path = nullptr;                   // text of the first open, while open_count is not 0
+    CFDictionaryRef track_dictionary = nullptr;  // borrowed, set while a track of the XML file is imported
+    const Track *parser_track = nullptr;         // borrowed
+    VelmarArray *children = nullptr;
+    int32_t kind = 0;
+    int32_t category = 0;
+    int32_t subcategory = 0;
+    VelmarArray *names = nullptr;  // heap texts
+    VelmarAttribute *attributes = nullptr;
+    int64_t thumb_offset = 0;  // where an image starts inside the file of `location`; 0 for a whole file
+    int32_t share_count = 0;   // how many lists hold this track
+    int32_t from_folder_scan = 0;
+    int32_t open_count = 0;
+
+    // Of the nodes that hold this one, the one that a depth-first walk from the root meets first; null where no such
+    // walk comes.
+    DriverPath *parent = nullptr;
+    // Grows with each AppendChild, so that it orders the children of one parent.
+    uint32_t sequence = 0;
+    // Children by name; only where there are many.
+    std::unique_ptr<TextIndex> child_index;
+};
+
+// Makes a node that hangs nowhere. Throws std::bad_alloc.
+DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory);
+
+// Hangs a node under a parent, behind its other children, with a copy of the name.
+void AppendChild(DriverPath *parent, const char *name, DriverPath *child);
+
+int32_t ChildCount(const DriverPath *path);
+// Null when there is no such child.
+DriverPath *ChildAt(const DriverPath *path, int32_t index);
+// Null when the child has no name.
+const char *ChildNameAt(const DriverPath *path, int32_t index);
+
+// The first child with exactly this name, or null.
+DriverPath *FindChild(const DriverPath *path, std::string_view name);
+
+// Releases a node with its subtree; a node that other lists hold too only loses one holder. Null is passed over.
+void ReleaseDriverPath(DriverPath *path);
+
+// True when a depth-first walk from the root meets `first` before `second`; both hang in one tree.
+bool ComesBefore(const DriverPath *first, const DriverPath *second);
+
+// The fixed children of the root; null before they exist.
+DriverPath *GetLibraryRoot(const LibraryDriver *driver);
+DriverPath *GetGeniusRoot(const LibraryDriver *driver);
+DriverPath *GetPlaylistRoot(const LibraryDriver *driver);
+
+// Makes a category root under "library"; null when there is no "library".
+DriverPath *CreateCategoryPath(LibraryDriver *driver, const char *name, int32_t kind, int32_t category,
+                               int32_t subcategory);
+
+#endif

@@ -1,0 +1,82 @@
+#include "driver/library_driver.h"
+
+#include "content/plist_values.h"
+#include "driver/attributes.h"
+#include "driver/driver_log.h"
+#include "driver/startup_thread.h"
+#include "library/library_files.h"
+#include "library/playlists.h"
+#include "library/track_import.h"
+
+namespace {
+
+void AddRootAttribute(LibraryDriver *driver, const char *key, const char *plist_key) {
+    const auto dictionary = static_cast<CFDictionaryRef>(driver->library_plist.get());
+    if (const auto text = PlistValueText(dictionary, plist_key, 0)) AddAttribute(driver->root, key, text->c_str());
+}
+
+void AddFixedChild(LibraryDriver *driver, const char *name, int32_t subcategory) {
+    AppendChild(driver->root, name,
+                CreateDriverPath(driver, node_kind::kFolder, node_category::kList, subcategory));
+}
+
+void CreateRoot(LibraryDriver *driver) {
+    driver->root = CreateDriverPath(driver, node_kind::kRoot, node_category::kNone, node_subcategory::kNone);
+    AddAttribute(driver->root, "terminal_type", "iTunes");
+    if (driver->parser) {
+        AddAttribute(driver->root, "persistent_id", driver->parser->persistentId().c_str());
+        AddAttribute(driver->root, "application_version", driver->parser->iTunesVersion().c_str());
+    } else {
+        AddRootAttribute(driver, "persistent_id", "Library Persistent ID");
+        AddRootAttribute(driver, "application_version", "Application Version");
+    }
+    AddFixedChild(driver, "library", node_subcategory::kLibrary);
+    AddFixedChild(driver, "genius", node_subcategory::kGenius);
+    AddFixedChild(driver, "playlist", node_subcategory::kPlaylists);
+}
+
+// A track that no list and no root holds is not met when the tree is released.
+void ReleaseLooseTracks(LibraryDriver *driver) {
+    const int32_t count = GetVelmarArraySize(driver->tracks);
+    for (int32_t i = 0; i < count; ++i) {
+        void *item = nullptr;
+        GetVelmarArrayItem(driver->tracks, i, &item);
+        auto *track = static_cast<DriverPath *>(item);
+        if (track != nullptr && track->parent == nullptr && track->share_count == 0) ReleaseDriverPath(track);
+    }
+}
+
+}  // namespace
+
+LibraryDriver::LibraryDriver() = default;
+
+LibraryDriver::~LibraryDriver() = default;
+
+int32_t CreateLibrary(LibraryDriver *driver) {
+    const int32_t opened = LoadLibraryFiles(driver);
+    if (opened != 0) {
+        WriteDriverLog("Open iTunes Library XML file failed.");
+        return opened;
+    }
+    CreateRoot(driver);
+    const int32_t loaded = LoadTracks(driver);
+    if (loaded < 0) {
+        DestroyLibrary(driver);
+        return loaded;
+    }
+    LoadPlaylists(driver);
+    return 0;
+}
+
+void DestroyLibrary(LibraryDriver *driver) {
+    driver->library_plist.reset();
+    driver->parser.reset();
+    ReleaseLooseTracks(driver);
+    ReleaseDriverPath(driver->root);
+    for (DriverPath *list : driver->unnamed_lists) ReleaseDriverPath(list);
+    FreeVelmarArray(driver->tracks);
+    driver->root = nullptr;
+    driver->tracks = nullptr;
+    driver->unnamed_lists.clear();
+    driver->index = {};
+}

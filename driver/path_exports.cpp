@@ -1,0 +1,78 @@
+// Handles of paths: the walk over a path text, and what the host learns of a node.
+#include <cstdlib>
+#include <string_view>
+
+#include "driver/driver_log.h"
+#include "driver/driver_path.h"
+#include "driver/export_guard.h"
+#include "driver/itunes_driver.h"
+#include "driver/library_driver.h"
+#include "platform/windows/windows_api.h"
+
+namespace {
+
+// The node that the text names, or null. A trailing "/" is passed over; other empty segments are names like any other.
+DriverPath *WalkPath(LibraryDriver *driver, std::string_view rest) {
+    DriverPath *path = driver->root;
+    while (path != nullptr && !rest.empty()) {
+        const size_t end = rest.find('/');
+        path = FindChild(path, rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    return path;
+}
+
+int32_t Open(LibraryDriver *driver, const char *path_text, DriverPath **out) {
+    if (driver == nullptr) {
+        WriteDriverLog("iTunes driver is not available");
+        return -1;
+    }
+    if (out == nullptr) {
+        WriteDriverLog("Receive iTunes path address is zero");
+        return -1;
+    }
+    DriverPath *path = WalkPath(driver, path_text == nullptr ? "" : path_text);
+    *out = path;
+    if (path == nullptr) return -2;
+    if (path->open_count++ == 0 && path_text != nullptr) path->open_path = _strdup(path_text);
+    return 0;
+}
+
+int32_t Close(DriverPath *path) {
+    if (path == nullptr) {
+        WriteDriverLog("iTunes path is not available");
+        return -1;
+    }
+    if (--path->open_count == 0) {
+        std::free(path->open_path);
+        path->open_path = nullptr;
+    }
+    return 0;
+}
+
+int32_t GetInfo(DriverPath *path, DriverPathInfo *info) {
+    if (path == nullptr) {
+        WriteDriverLog("iTunes path is not available");
+        return -1;
+    }
+    if (info == nullptr) {
+        WriteDriverLog("Path info is zero");
+        return -1;
+    }
+    *info = {path->open_path, path->kind, path->category, path->subcategory, 0, path->names, path->attributes, 0};
+    return 0;
+}
+
+}  // namespace
+
+int32_t OpenDriverPath(LibraryDriver *driver, int32_t /*device_index*/, const char *path_text, DriverPath **path) {
+    return GuardExport([=] { return Open(driver, path_text, path); });
+}
+
+int32_t CloseDriverPath(DriverPath *path) {
+    return GuardExport([=] { return Close(path); });
+}
+
+int32_t GetDriverPathInfo(DriverPath *path, DriverPathInfo *info) {
+    return GuardExport([=] { return GetInfo(path, info); });
+}

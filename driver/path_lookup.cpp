@@ -1,0 +1,117 @@
+#include "driver/path_lookup.h"
+
+#include "driver/attributes.h"
+#include "driver/library_driver.h"
+
+namespace {
+
+uint64_t NumbersKey(int32_t category, int32_t subcategory) {
+    return (uint64_t{static_cast<uint32_t>(category)} << 32) | static_cast<uint32_t>(subcategory);
+}
+
+DriverPath *PathAt(VelmarArray *array, int32_t index) {
+    void *item = nullptr;
+    if (GetVelmarArrayItem(array, index, &item) != 0) return nullptr;
+    return static_cast<DriverPath *>(item);
+}
+
+bool HasId(const DriverPath *path, std::string_view id) {
+    const auto own = path == nullptr ? std::nullopt : FindAttribute(path, "id");
+    return own && EqualFolded(*own, id);
+}
+
+void IndexNewTracks(LibraryDriver *driver) {
+    TreeIndex &index = driver->index;
+    const int32_t count = GetVelmarArraySize(driver->tracks);
+    if (index.tracks_indexed == count) return;
+    index.track_ids.Reserve(static_cast<size_t>(count));
+    for (int32_t i = index.tracks_indexed; i < count; ++i) {
+        const DriverPath *track = PathAt(driver->tracks, i);
+        const auto id = track == nullptr ? std::nullopt : FindAttribute(track, "id");
+        if (!id) continue;
+        const auto same = [&](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id); };
+        index.track_ids.Add(HashOfFolded(*id), static_cast<uint32_t>(i), same);
+    }
+    index.tracks_indexed = count;
+}
+
+auto SamePersistentId(const TreeIndex &index, std::string_view id) {
+    return [&index, id](uint32_t at) { return FindAttribute(index.persistent_nodes[at], "persistent_id") == id; };
+}
+
+// Enters a node under its persistent id, unless a node that the walk meets earlier stands there.
+void EnterPersistentId(TreeIndex &index, DriverPath *path) {
+    const auto id = FindAttribute(path, "persistent_id");
+    if (!id) return;
+    const auto same = SamePersistentId(index, *id);
+    const uint32_t hash = HashOf(*id);
+    if (const auto found = index.persistent_ids.Find(hash, same)) {
+        DriverPath *&winner = index.persistent_nodes[*found];
+        if (winner != path && ComesBefore(path, winner)) winner = path;
+        return;
+    }
+    index.persistent_nodes.push_back(path);
+    index.persistent_ids.Add(hash, static_cast<uint32_t>(index.persistent_nodes.size() - 1), same);
+}
+
+void BuildPersistentIds(TreeIndex &index, DriverPath *root) {
+    index.persistent_ids = {};
+    index.persistent_nodes.clear();
+    std::vector<DriverPath *> pending{root};
+    while (!pending.empty()) {
+        DriverPath *path = pending.back();
+        pending.pop_back();
+        EnterPersistentId(index, path);
+        for (int32_t i = ChildCount(path) - 1; i >= 0; --i) {
+            DriverPath *child = ChildAt(path, i);
+            // A track is entered where the walk meets it first.
+            if (child != nullptr && child->parent == path) pending.push_back(child);
+        }
+    }
+    index.persistent_ids_built = true;
+}
+
+}  // namespace
+
+void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved) {
+    LibraryDriver *driver = child->owner;
+    TreeIndex &index = driver->index;
+    if (parent == GetLibraryRoot(driver)) {
+        index.category_roots[NumbersKey(child->category, child->subcategory)] = child;
+    }
+    if (!index.persistent_ids_built) return;
+    if (ChildCount(child) != 0 && moved) {
+        // What hangs below it comes earlier now, too.
+        index.persistent_ids_built = false;
+    } else {
+        EnterPersistentId(index, child);
+    }
+}
+
+DriverPath *FindById(VelmarArray *array, std::string_view id) {
+    const int32_t count = GetVelmarArraySize(array);
+    for (int32_t i = 0; i < count; ++i) {
+        DriverPath *path = PathAt(array, i);
+        if (HasId(path, id)) return path;
+    }
+    return nullptr;
+}
+
+DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {
+    IndexNewTracks(driver);
+    const auto same = [=](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id); };
+    const auto found = driver->index.track_ids.Find(HashOfFolded(id), same);
+    return found ? PathAt(driver->tracks, static_cast<int32_t>(*found)) : nullptr;
+}
+
+DriverPath *FindPathByPersistentId(LibraryDriver *driver, std::string_view id) {
+    TreeIndex &index = driver->index;
+    if (!index.persistent_ids_built) BuildPersistentIds(index, driver->root);
+    const auto found = index.persistent_ids.Find(HashOf(id), SamePersistentId(index, id));
+    return found ? index.persistent_nodes[*found] : nullptr;
+}
+
+DriverPath *FindCategoryRoot(const LibraryDriver *driver, int32_t category, int32_t subcategory) {
+    const auto found = driver->index.category_roots.find(NumbersKey(category, subcategory));
+    return found == driver->index.category_roots.end() ? nullptr : found->second;
+}

@@ -1,0 +1,44 @@
+#ifndef DRIVER_PATH_LOOKUP_H
+#define DRIVER_PATH_LOOKUP_H
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "driver/driver_path.h"
+#include "driver/text_index.h"
+
+// Lookups that are defined by a walk over the tree or over the tracks, each at the cost of a hash lookup. The host's
+// arrays stay the truth: these records tell where to look, and are kept or dropped with every change.
+struct TreeIndex {
+    // The last child of "library" with a category and a subcategory.
+    std::unordered_map<uint64_t, DriverPath *> category_roots;
+
+    // Positions in `tracks` by id, of the first `tracks_indexed` tracks.
+    TextIndex track_ids;
+    int32_t tracks_indexed = 0;
+
+    // The node that a depth-first walk meets first for each persistent id; empty until one is asked for.
+    TextIndex persistent_ids;
+    std::vector<DriverPath *> persistent_nodes;
+    bool persistent_ids_built = false;
+};
+
+// Keeps the index right when a node has been hung under a parent; `moved` tells that it hung elsewhere before and now
+// comes earlier in the walk.
+void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved);
+
+// The first path of an array whose `id` equals the text, with ASCII case ignored, or null. Walks the array.
+DriverPath *FindById(VelmarArray *array, std::string_view id);
+
+// The same among all tracks of the library, without a walk.
+DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id);
+
+// The node with this persistent id, case counting, that a depth-first walk from the root meets first, or null.
+DriverPath *FindPathByPersistentId(LibraryDriver *driver, std::string_view id);
+
+// The last child of "library" with these numbers, or null.
+DriverPath *FindCategoryRoot(const LibraryDriver *driver, int32_t category, int32_t subcategory);
+
+#endif

@@ -1,0 +1,126 @@
+#include "library/track_import.h"
+
+#include <array>
+#include <cstring>
+
+#include "content/plist_values.h"
+#include "driver/attributes.h"
+#include "library/add_folder.h"
+#include "library/track_keys.h"
+
+namespace {
+
+// What makes a track a video, in the order of the tests.
+struct VideoTest {
+    const char *attribute;
+    int32_t subcategory;
+};
+
+constexpr VideoTest kVideoTests[] = {
+    {"is_podcast", node_subcategory::kPodcast},
+    {"is_tvshow", node_subcategory::kTvShow},
+    {"is_movie", node_subcategory::kMovie},
+    {"has_video", node_subcategory::kMovie},
+};
+
+void Classify(DriverPath *path) {
+    path->category = node_category::kAudio;
+    path->subcategory = node_subcategory::kMusic;
+    for (const VideoTest &test : kVideoTests) {
+        if (!IsAttributeTrue(path, test.attribute)) continue;
+        path->category = node_category::kVideo;
+        path->subcategory = test.subcategory;
+        return;
+    }
+}
+
+void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
+    const auto count = static_cast<size_t>(CFDictionaryGetCount(dictionary));
+    room.keys.resize(count);
+    room.values.resize(count);
+    CFDictionaryGetKeysAndValues(dictionary, room.keys.data(), room.values.data());
+}
+
+void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
+    // One pass over the entries finds the value of each row; a lookup of each row would be a pass for each.
+    std::array<CFTypeRef, kTrackKeyCount> rows = {};
+    ReadEntries(path->track_dictionary, room);
+    for (size_t i = 0; i < room.keys.size(); ++i) {
+        const auto key = PlistText(room.keys[i], 0, room.text);
+        const auto row = key ? FindTrackKey(*key) : std::nullopt;
+        if (row) rows[*row] = room.values[i];
+    }
+    for (size_t row = 0; row < kTrackKeyCount; ++row) {
+        if (rows[row] == nullptr) continue;
+        const auto text = PlistText(rows[row], TrackKeyTable[row].flags, room.text);
+        if (text) SetAttribute(path, TrackKeyTable[row].attribute, text->data());
+    }
+}
+
+void ImportParserTrack(DriverPath *path) {
+    for (size_t row = 0; row < kTrackKeyCount; ++row) {
+        const auto text = TrackFieldText(*path->parser_track, row, TrackKeyTable[row].flags);
+        if (text) SetAttribute(path, TrackKeyTable[row].attribute, text->c_str());
+    }
+}
+
+DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
+    DriverPath *path = CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
+    AddAttribute(path, "id", id);
+    AddVelmarArrayItem(driver->tracks, path);
+    return path;
+}
+
+void LoadParserTracks(LibraryDriver *driver, TrackImportRoom &room) {
+    for (const auto &track : driver->parser->tracks()) {
+        DriverPath *path = CreateTrackPath(driver, std::to_string(track->id).c_str());
+        path->parser_track = track.get();
+        ImportTrackAttributes(path, room);
+    }
+}
+
+void LoadXmlTracks(LibraryDriver *driver, TrackImportRoom &room) {
+    const auto library = static_cast<CFDictionaryRef>(driver->library_plist.get());
+    const void *tracks = CFDictionaryGetValue(library, CFSTR("Tracks"));
+    if (!IsDictionary(tracks)) return;
+    TrackImportRoom entries;
+    ReadEntries(static_cast<CFDictionaryRef>(tracks), entries);
+    for (size_t i = 0; i < entries.keys.size(); ++i) {
+        const auto id = PlistText(entries.keys[i], 0, entries.text);
+        if (id && entries.values[i] != nullptr) CreateTrack(driver, id->data(), entries.values[i], room);
+    }
+}
+
+}  // namespace
+
+int32_t LoadTracks(LibraryDriver *driver) {
+    if (driver == nullptr || (!IsDictionary(driver->library_plist.get()) && !driver->parser)) return -1;
+    AllocVelmarArray(&driver->tracks);
+    TrackImportRoom room;
+    if (driver->parser) {
+        LoadParserTracks(driver, room);
+    } else {
+        LoadXmlTracks(driver, room);
+    }
+    return FindAddFolder(driver);
+}
+
+DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, TrackImportRoom &room) {
+    DriverPath *path = CreateTrackPath(driver, id);
+    path->track_dictionary = static_cast<CFDictionaryRef>(entry);
+    // A track whose entry is no dictionary keeps its id alone.
+    ImportTrackAttributes(path, room);
+    return path;
+}
+
+int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room) {
+    if (path->parser_track != nullptr) {
+        ImportParserTrack(path);
+        return 0;
+    }
+    if (!IsDictionary(path->track_dictionary)) return -1;
+    ImportDictionary(path, room);
+    Classify(path);
+    path->track_dictionary = nullptr;
+    return 0;
+}

@@ -1,0 +1,32 @@
+#ifndef LIBRARY_TRACK_IMPORT_H
+#define LIBRARY_TRACK_IMPORT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "driver/library_driver.h"
+
+// Room that the import of one track after another uses again.
+struct TrackImportRoom {
+    std::vector<const void *> keys;
+    std::vector<const void *> values;
+    std::string text;
+};
+
+// Makes a path for every track of the library's source and puts it into `tracks`, then finds the add folder, whose
+// result it gives. -1 when there is no usable source.
+int32_t LoadTracks(LibraryDriver *driver);
+
+// Makes a track of the XML file: `id` and the attributes of its entry, which may be of any type.
+DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, TrackImportRoom &room);
+
+// Turns the source record of a new track path into attributes. 0, or -1 when it has none.
+int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room);
+
+// The text of one row of TrackKeyTable for a track of the .itl file; empty for a row that such a track does not have.
+std::optional<std::string> TrackFieldText(const Track &track, size_t index, int32_t flags);
+
+#endif

@@ -1,0 +1,159 @@
+#include "library/track_import.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "content/plist_values.h"
+#include "library/track_keys.h"
+#include "tests/library/loaded_library.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+DriverPath *TrackOf(LoadedLibrary &library, const std::string &id) { return FindTrackById(&library.driver, id); }
+
+TEST(LoadTracks, ClassifiesByTheFirstFlagThatIsTrue) {
+    const std::string yes = XmlFlag(true);
+    const std::string no = XmlFlag(false);
+    LoadedLibrary library([&](LibraryXml &xml) {
+        xml.Track("1", {{"Podcast", yes}, {"Has Video", yes}, {"Movie", yes}});
+        xml.Track("2", {{"TV Show", yes}, {"Movie", yes}});
+        xml.Track("3", {{"Movie", no}, {"Has Video", yes}});
+        xml.Track("4", {{"Movie", XmlText("TRUE")}});
+        xml.Track("5", {{"Movie", XmlInteger(1)}, {"Podcast", no}});
+        xml.Track("6", {});
+    });
+    const std::vector<std::vector<int32_t>> expected{{3, 9}, {3, 31}, {3, 30}, {3, 30}, {2, 20}, {2, 20}};
+    for (size_t i = 0; i < expected.size(); ++i) {
+        const DriverPath *track = TrackOf(library, std::to_string(i + 1));
+        ASSERT_NE(track, nullptr);
+        EXPECT_EQ((std::vector<int32_t>{track->category, track->subcategory}), expected[i]) << i + 1;
+        EXPECT_EQ(track->track_dictionary, nullptr);
+    }
+    EXPECT_EQ(FindAttribute(TrackOf(library, "3"), "is_movie"), "false");
+    EXPECT_EQ(FindAttribute(TrackOf(library, "6"), "location"), std::nullopt);
+}
+
+TEST(LoadTracks, OddEntriesKeepWhatTheyHave) {
+    LoadedLibrary library([](LibraryXml &xml) {
+        xml.Track("", {{"Name", XmlText("no id, no track")}});
+        xml.Track("abc", {{"Name", XmlText("")}, {"Artist", "<array/>"}, {"Album", XmlText("kept")},
+                          {"Unknown", XmlText("x")}, {"Album", XmlText("the later value of a key counts")}});
+    });
+    EXPECT_EQ(GetVelmarArraySize(library.driver.tracks), 1);
+    const DriverPath *track = TrackOf(library, "ABC");
+    ASSERT_NE(track, nullptr);
+    EXPECT_EQ(FindAttribute(track, "name"), std::nullopt);
+    EXPECT_EQ(FindAttribute(track, "artist"), std::nullopt);
+    EXPECT_EQ(FindAttribute(track, "album"), "the later value of a key counts");
+    EXPECT_EQ(GetVelmarAttributeSize(track->attributes), 2);
+}
+
+TEST(LoadTracks, ATrackThatIsNoDictionaryHasItsIdAlone) {
+    const TempFolder folder;
+    std::filesystem::create_directories(folder.path() / "Automatically Add to iTunes");
+    const auto load = [&](LibraryDriver &driver, const std::string &tracks) {
+        const auto file = folder.Write("list.xml", std::string(kPropertyListHead) + "<dict><key>Tracks</key>" + tracks +
+                                                       "</dict>" + std::string(kPropertyListTail));
+        driver.library_plist = ReadPropertyListFile(file.string());
+        driver.add_folder = folder.path().string();
+        return LoadTracks(&driver);
+    };
+    LibraryDriver driver;
+    ASSERT_EQ(load(driver, "<dict><key>9</key><string>x</string></dict>"), 0);
+    const DriverPath *track = FindTrackById(&driver, "9");
+    ASSERT_NE(track, nullptr);
+    EXPECT_EQ(GetVelmarAttributeSize(track->attributes), 1);
+    EXPECT_EQ(track->category, 0);
+    DestroyLibrary(&driver);
+
+    LibraryDriver other;
+    ASSERT_EQ(load(other, "<array/>"), 0) << "no tracks are no failure";
+    EXPECT_EQ(GetVelmarArraySize(other.tracks), 0);
+    DestroyLibrary(&other);
+}
+
+TEST(LoadTracks, WithoutAUsableSourceItFails) {
+    LibraryDriver driver;
+    EXPECT_EQ(LoadTracks(nullptr), -1);
+    EXPECT_EQ(LoadTracks(&driver), -1);
+    driver.library_plist.reset(CFStringCreateWithCString(nullptr, "a text", kCFStringEncodingUTF8));
+    EXPECT_EQ(LoadTracks(&driver), -1);
+}
+
+TEST(TrackKeys, AreFoundByTheirExactText) {
+    for (size_t row = 0; row < kTrackKeyCount; ++row) EXPECT_EQ(FindTrackKey(TrackKeyTable[row].xml_key), row);
+    for (const char *other : {"", "name", "Track ID", "Artwork Count", "Names", "Nam", "Sort Name"}) {
+        EXPECT_EQ(FindTrackKey(other), std::nullopt) << other;
+    }
+}
+
+// A parser whose file a test has made up.
+class FilledParser : public ITLParser {
+  public:
+    FilledParser() : ITLParser("") {
+        valid_ = true;
+        persistent_id_ = "0123456789ABCDEF";
+        itunes_version_ = "8.0";
+    }
+    Track &AddTrack(int32_t id) {
+        tracks_.push_back(std::make_unique<Track>());
+        tracks_.back()->id = id;
+        return *tracks_.back();
+    }
+};
+
+TEST(TrackFieldText, PrintsNumbersAlwaysAndTextsUnchanged) {
+    Track track;
+    track.name = "A";
+    track.size = 0;
+    track.date_modified = -5000000000;
+    track.location = "file:///C:/a%20b.mp3";
+    EXPECT_EQ(TrackFieldText(track, 0, 0), "A");
+    EXPECT_EQ(TrackFieldText(track, 5, 0), "") << "an empty text is a text here";
+    EXPECT_EQ(TrackFieldText(track, 7, 0), "0");
+    EXPECT_EQ(TrackFieldText(track, 17, 0), "0");
+    EXPECT_EQ(TrackFieldText(track, 21, 0), track.location);
+    EXPECT_EQ(TrackFieldText(track, 21, kTextIsLocation), "C:/a b.mp3");
+    EXPECT_EQ(TrackFieldText(track, 22, 0), "-5000000000");
+    for (const size_t nothing : {3u, 4u, 9u, 10u, 13u, 14u, 15u, 18u, 19u, 23u, 24u, 25u, 26u, 27u, 1000u}) {
+        EXPECT_EQ(TrackFieldText(track, nothing, 0), std::nullopt) << nothing;
+    }
+}
+
+TEST(TrackFieldText, AsksTheFileForASizeOfMinusOne) {
+    const TempFolder folder;
+    Track track;
+    track.size = -1;
+    track.location = "file://localhost" + folder.Write("a b.mp3", "12345").string();
+    track.location.replace(track.location.find(' '), 1, "%20");
+    EXPECT_EQ(TrackFieldText(track, 7, 0), "5");
+    track.location += "x";
+    EXPECT_EQ(TrackFieldText(track, 7, 0), std::nullopt);
+}
+
+TEST(LoadTracks, TakesTracksOfTheOtherSourceInTheirOrderAndUnclassified) {
+    const TempFolder folder;
+    std::filesystem::create_directories(folder.path() / "Automatically Add to iTunes");
+    LibraryDriver driver;
+    driver.add_folder = folder.path().string();
+    auto parser = std::make_unique<FilledParser>();
+    parser->AddTrack(-3).kind = "MPEG audio file";
+    parser->AddTrack(7);
+    driver.parser = std::move(parser);
+    ASSERT_EQ(LoadTracks(&driver), 0);
+    ASSERT_EQ(GetVelmarArraySize(driver.tracks), 2);
+    const DriverPath *track = FindTrackById(&driver, "-3");
+    ASSERT_NE(track, nullptr);
+    EXPECT_NE(track->parser_track, nullptr);
+    EXPECT_EQ(track->category, 0);
+    EXPECT_EQ(FindAttribute(track, "genre"), "");
+    EXPECT_EQ(FindAttribute(track, "kind"), "MPEG audio file");
+    EXPECT_EQ(FindAttribute(track, "album_artist"), std::nullopt);
+    EXPECT_EQ(GetVelmarAttributeSize(track->attributes), 15);
+    DestroyLibrary(&driver);
+}
+
+}  // namespace
