@@ -1,0 +1,102 @@
+#include "host/get_plan.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+
+#include "host/file_naming.h"
+#include "host/suggestion.h"
+
+namespace velmarhost {
+namespace {
+
+// Far beyond any real file, and near enough that no clock overflows.
+constexpr int64_t kLatestTime = 8'000'000'000;
+
+std::optional<uint64_t> KnownSize(const Node &node) {
+    const std::optional<int64_t> size = node.NumberAttribute("st_size");
+    if (!size || *size <= 0) return std::nullopt;
+    return static_cast<uint64_t>(*size);
+}
+
+std::optional<int64_t> KnownTime(const Node &node) {
+    const std::optional<int64_t> seconds = node.NumberAttribute("st_mtime");
+    return seconds && *seconds > 0 && *seconds < kLatestTime ? seconds : std::nullopt;
+}
+
+class Planner {
+  public:
+    Planner(const LibrarySession &session, const Options &options) : session_(session), options_(options) {
+        AddFolder(options.target);
+    }
+
+    void AddSubtree(const std::string &path) {
+        TreeWalk walk(session_, path);
+        // The planned folder of each level on the way to the current entry; below the target stands what the
+        // walk begins with, unless that is the root of the tree, which has no name.
+        std::vector<std::size_t> way = {0};
+        while (const WalkEntry *entry = walk.Next()) {
+            way.resize(std::min(way.size(), entry->depth + 1));
+            if (!entry->node) {
+                plan_.passed_over.push_back({entry->path, entry->reach});
+            } else if (entry->node->IsFile()) {
+                AddFile(*entry, way.back());
+            } else {
+                way.push_back(entry->path.empty() ? 0 : AddFolderFor(*entry, way.back()));
+            }
+        }
+    }
+
+    GetPlan Finish() { return std::move(plan_); }
+
+  private:
+    // What is known of a planned folder besides its path.
+    struct FolderState {
+        FolderNames names;
+        std::unordered_set<const void *> sources;  // of its files
+    };
+
+    std::size_t AddFolder(const std::filesystem::path &path) {
+        plan_.folders.push_back(path);
+        states_.emplace_back();
+        return states_.size() - 1;
+    }
+
+    std::size_t AddFolderFor(const WalkEntry &entry, std::size_t parent) {
+        // A folder's name has no extension: what stands behind its last dot is a part of the name.
+        const std::string name = states_[parent].names.Take({std::string(entry.name), {}});
+        return AddFolder(plan_.folders[parent] / name);
+    }
+
+    void AddFile(const WalkEntry &entry, std::size_t folder) {
+        const Node &node = *entry.node;
+        if (!states_[folder].sources.insert(node.identity()).second) return;
+        const bool by_title = options_.names == FileNames::kTitle;
+        const FileName name = by_title ? TitleFileName(node, entry.name) : TreeFileName(entry.name);
+        PlannedFile file{
+            entry.path,      folder,         states_[folder].names.Take(name), session_.Location(node),
+            KnownSize(node), KnownTime(node)};
+        plan_.total_bytes += file.size.value_or(0);
+        plan_.files.push_back(std::move(file));
+    }
+
+    const LibrarySession &session_;
+    const Options &options_;
+    GetPlan plan_;
+    std::vector<FolderState> states_;  // parallel to the plan's folders
+};
+
+}  // namespace
+
+GetPlan PlanGet(const LibrarySession &session, const Options &options) {
+    for (const std::string &path : options.paths)
+        OpenOrExplain(session, path);
+    Planner planner(session, options);
+    std::unordered_set<std::string_view> done;
+    for (const std::string &path : options.paths) {
+        if (done.insert(path).second) planner.AddSubtree(path);
+    }
+    return planner.Finish();
+}
+
+}  // namespace velmarhost

@@ -1,0 +1,74 @@
+#include "host/library_session.h"
+
+#include "host/host_error.h"
+#include "host/text.h"
+
+namespace velmarhost {
+namespace {
+
+std::string LibraryFailure(const LibraryChoice &choice, const std::string &last_words, int32_t result) {
+    std::string text = choice.library.empty()
+                           ? "no iTunes library was found for this user. Name one with --library FILE"
+                           : "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
+    text += " (the driver gave " + std::to_string(result);
+    if (!last_words.empty()) text += ": " + last_words;
+    return text + "). -v shows all that the driver said.";
+}
+
+}  // namespace
+
+MediaStream::~MediaStream() {
+    driver_->close_stream(stream_);
+}
+
+int32_t MediaStream::Read(char *buffer, int32_t size) {
+    return driver_->read_stream(stream_, buffer, size);
+}
+
+bool MediaStream::SeekFromStart(int64_t offset) {
+    return driver_->seek_stream(stream_, offset, 0) == 0;
+}
+
+LibrarySession::LibrarySession(const std::string &driver_file, const LibraryChoice &choice, bool show_log)
+    : log_(show_log), driver_(LoadDriverModule(driver_file)), environment_(choice) {
+    const int32_t result = driver_.initialize(nullptr, nullptr, 0, &library_);
+    if (result != 0) throw HostError(ExitCode::kLibrary, LibraryFailure(choice, log_.LastWords(), result));
+}
+
+LibrarySession::~LibrarySession() {
+    driver_.uninitialize(library_);
+}
+
+std::optional<Node> LibrarySession::Open(const std::string &path) const {
+    DriverPath *handle = nullptr;
+    if (driver_.open_path(library_, 0, path.c_str(), &handle) != 0 || handle == nullptr) return std::nullopt;
+    return std::make_optional<Node>(driver_, handle);
+}
+
+std::unique_ptr<MediaStream> LibrarySession::OpenStream(const std::string &path, StreamFailure &failure) {
+    log_.Clear();
+    DriverStream *stream = nullptr;
+    const int32_t result = driver_.open_stream(library_, 0, path.c_str(), &stream);
+    if (result == 0 && stream != nullptr) return std::make_unique<MediaStream>(driver_, stream);
+    failure = {result, log_.LastWords()};
+    return nullptr;
+}
+
+std::string LibrarySession::Location(const Node &node) const {
+    return environment_.TellLocation(node.Attribute("location"));
+}
+
+std::vector<std::pair<std::string, std::string>> LibrarySession::Attributes(const Node &node) const {
+    std::vector<std::pair<std::string, std::string>> attributes;
+    for (const auto &[key, value] : node.Attributes()) {
+        attributes.emplace_back(key,
+                                key == "location" ? environment_.TellLocation(value) : std::string(value));
+    }
+    return attributes;
+}
+
+std::string CleanPath(std::string_view path) {
+    return std::string(StripCharacters(path, "/"));
+}
+
+}  // namespace velmarhost

@@ -1,0 +1,182 @@
+#include "host/options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+
+#include "host/host_error.h"
+#include "host/library_session.h"
+
+namespace velmarhost {
+namespace {
+
+constexpr const char *kDescription =
+    "Browses an iTunes library on disk and gets files out of it. Nothing in the library is changed.";
+
+constexpr const char *kFooter = R"(
+Paths are names joined by "/", as tree and ls show them; no PATH is the root of the tree.
+
+Examples:
+  velmarhost tree --depth 2
+  velmarhost ls -l library/music
+  velmarhost get library/music --to ~/Music
+  velmarhost --library old/iTunes/iTunes\ Library.xml --media old/iTunes/iTunes\ Media \
+             get playlist/Favourites --to .
+
+Results go to standard output, everything else to standard error. NO_COLOR and TERM=dumb are respected.
+
+Exit codes:
+  0  all was done
+  1  some of it could not be done; standard error tells what
+  2  the command line is wrong
+  3  the library could not be opened
+  4  no such path in the library
+  5  the driver module could not be loaded)";
+
+constexpr const char *kJsonHelp = "Write JSON: see \"JSON\" in velmarhost stat --help";
+
+constexpr const char *kStatFooter = R"(
+JSON: tree and ls write an array with one object for each entry, stat writes one object. An object has
+  path, name          texts
+  depth               levels below PATH
+  reachable           whether the path leads to the entry; if not, "problem" says why, and what follows is missing
+  type                a word, such as "music" or "playlist"
+  kind, category, subcategory   the driver's numbers
+  attributes          an object of texts
+  children            stat only: the names below the node
+Bytes that are no UTF-8 appear as U+FFFD.)";
+
+constexpr const char *kGetFooter = R"(
+A folder of the tree becomes a folder in DIR. A file that is there already stays as it is, so the same command goes on
+where an earlier one stopped. Each file is written under a name ".velmarhost-*.part" first and renamed when it is
+complete.)";
+
+void AddGlobalOptions(CLI::App &app, Options &options) {
+    app.add_option("--library", options.library.library,
+                   "Open this library file (XML, or .itl) instead of the user's own library")
+        ->type_name("FILE");
+    app.add_option("--media", options.library.media,
+                   "Where the media folder of the library is now; needs --library")
+        ->type_name("DIR");
+    app.add_option(
+           "--drive", options.library.drives,
+           "Where a Windows drive of the library is now, such as C:=/mnt/old; may be given several times")
+        ->type_name("LETTER=DIR")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--driver", options.driver, "Load this driver module")->type_name("FILE")->take_last();
+    app.add_flag("-v,--verbose", options.verbose,
+                 "Show the driver's log, and every file that could not be got");
+    const std::map<std::string, ColorChoice> choices = {
+        {"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}};
+    app.add_option("--color", options.color, "auto, always or never")
+        ->type_name("WHEN")
+        ->transform(CLI::CheckedTransformer(choices).description(""));
+}
+
+CLI::App *AddCommand(CLI::App &app, Options &options, Command command, const std::string &name,
+                     const std::string &help) {
+    CLI::App *subcommand = app.add_subcommand(name, help);
+    // Options of the program may stand behind the command as well.
+    subcommand->fallthrough();
+    subcommand->final_callback([&options, command] { options.command = command; });
+    return subcommand;
+}
+
+void AddPath(CLI::App *command, Options &options, bool required) {
+    command->add_option("path", options.paths, "Path in the tree")
+        ->type_name("PATH")
+        ->expected(1)
+        ->required(required);
+}
+
+void AddTree(CLI::App &app, Options &options) {
+    CLI::App *tree = AddCommand(app, options, Command::kTree, "tree", "Show a part of the tree");
+    AddPath(tree, options, false);
+    tree->add_option("--depth", options.depth, "Levels to show below PATH")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+    tree->add_flag("-a,--all", options.all, "Show what lies below files too: their thumbnails");
+    tree->add_flag("--json", options.json, kJsonHelp);
+}
+
+void AddLs(CLI::App &app, Options &options) {
+    CLI::App *ls = AddCommand(app, options, Command::kLs, "ls", "List the children of a node");
+    AddPath(ls, options, false);
+    ls->add_flag("-l,--long", options.long_list, "Columns: type, size, date, name, title");
+    ls->add_flag("--human", options.human_sizes, "With -l: sizes as 1.2 MB");
+    ls->add_flag("--json", options.json, kJsonHelp);
+}
+
+void AddStat(CLI::App &app, Options &options) {
+    CLI::App *stat = AddCommand(app, options, Command::kStat, "stat", "Show all that is known of one node");
+    AddPath(stat, options, true);
+    stat->add_flag("--json", options.json, "Write JSON");
+    stat->footer(kStatFooter);
+}
+
+void AddCat(CLI::App &app, Options &options) {
+    CLI::App *cat =
+        AddCommand(app, options, Command::kCat, "cat", "Write the bytes of a file to standard output");
+    AddPath(cat, options, true);
+    cat->add_option("--offset", options.offset, "Bytes to pass over")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+    cat->add_option("--length", options.length, "Bytes to write at most")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+}
+
+void AddGet(CLI::App &app, Options &options) {
+    CLI::App *get =
+        AddCommand(app, options, Command::kGet, "get", "Copy files and whole folders of the tree to disk");
+    get->add_option("path", options.paths, "Paths in the tree")->type_name("PATH...")->required();
+    get->add_option("--to", options.target, "Folder to write to; made if it is not there")
+        ->type_name("DIR")
+        ->required();
+    const std::map<std::string, FileNames> names = {{"title", FileNames::kTitle}, {"path", FileNames::kPath}};
+    get->add_option("--names", options.names, "title: \"Artist - Title.mp3\"; path: the names in the tree")
+        ->type_name("HOW")
+        ->transform(CLI::CheckedTransformer(names).description(""));
+    get->add_flag("--overwrite", options.overwrite, "Write files again that are there already");
+    get->footer(kGetFooter);
+}
+
+void CheckCombination(Options &options) {
+    if (!options.library.media.empty() && options.library.library.empty()) {
+        throw HostError(ExitCode::kUsage,
+                        "--media tells where the media of a library file are now. Name that file with "
+                        "--library FILE.");
+    }
+    if (options.paths.empty()) options.paths.emplace_back();
+    for (std::string &path : options.paths)
+        path = CleanPath(path);
+}
+
+}  // namespace
+
+std::optional<Options> ParseOptions(int argument_count, char **arguments) {
+    Options options;
+    CLI::App app(kDescription, "velmarhost");
+    app.footer(kFooter);
+    app.set_version_flag("--version", "velmarhost " VELMARHOST_VERSION);
+    app.require_subcommand(1);
+    AddGlobalOptions(app, options);
+    AddTree(app, options);
+    AddLs(app, options);
+    AddStat(app, options);
+    AddCat(app, options);
+    AddGet(app, options);
+    try {
+        app.parse(argument_count, arguments);
+    } catch (const CLI::Success &answer) {
+        app.exit(answer, std::cout, std::cerr);
+        return std::nullopt;
+    } catch (const CLI::ParseError &error) {
+        throw HostError(ExitCode::kUsage, std::string(error.what()) + ". See velmarhost --help");
+    }
+    CheckCombination(options);
+    return options;
+}
+
+}  // namespace velmarhost

@@ -1,0 +1,116 @@
+#include "tests/host/fake_tree.h"
+
+#include <algorithm>
+
+DriverPath::DriverPath(int32_t kind_number, int32_t category_number, int32_t subcategory_number)
+    : kind(kind_number), category(category_number), subcategory(subcategory_number) {
+    AllocVelmarArray(&names);
+    AllocVelmarAttribute(&attributes);
+}
+
+DriverPath::~DriverPath() {
+    FreeVelmarArray(names);
+    FreeVelmarAttribute(attributes);
+}
+
+void DriverPath::Add(const std::string &name, DriverPath *child) {
+    name_texts_.push_back(name);
+    AddVelmarArrayItem(names, name_texts_.back().data());
+    children_.try_emplace(name, child);
+}
+
+void DriverPath::Set(const std::string &key, const std::string &value) const {
+    AddVelmarAttributeItem(attributes, key.c_str(), value.c_str());
+}
+
+DriverPath *DriverPath::Child(const std::string &name) const {
+    const auto found = children_.find(name);
+    return found != children_.end() ? found->second : nullptr;
+}
+
+FakeTree::FakeTree(std::size_t many_files) : root_(NewNode(0, 0, 0)) {
+    root_->Set("terminal_type", "iTunes");
+    DriverPath *library = NewFolder(root_, "library", 1);
+    AddMusic(library);
+    AddLists(NewFolder(root_, "playlist", 2));
+    DriverPath *many = NewFolder(root_, "many", 4);
+    for (std::size_t i = 0; i < many_files; ++i) {
+        NewTrack(many, std::to_string(i) + ".mp3", "Artist", "Title", "x");
+    }
+    NewTrack(NewFolder(root_, "endless", 4), "9.mp3", "", "Endless", "")->content = FakeContent::kEndless;
+}
+
+DriverPath *FakeTree::Walk(const std::string &path) const {
+    DriverPath *node = root_;
+    std::size_t begin = 0;
+    while (node != nullptr && begin < path.size()) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        node = node->Child(path.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return node;
+}
+
+int FakeTree::open_count() const {
+    int count = 0;
+    for (const auto &node : nodes_)
+        count += node->open_count;
+    return count;
+}
+
+DriverPath *FakeTree::NewNode(int32_t kind, int32_t category, int32_t subcategory) {
+    nodes_.push_back(std::make_unique<DriverPath>(kind, category, subcategory));
+    return nodes_.back().get();
+}
+
+DriverPath *FakeTree::NewFolder(DriverPath *parent, const std::string &name, int32_t subcategory) {
+    DriverPath *folder = NewNode(1, 1, subcategory);
+    parent->Add(name, folder);
+    return folder;
+}
+
+DriverPath *FakeTree::NewTrack(DriverPath *parent, const std::string &name, const std::string &artist,
+                               const std::string &title, const std::string &text) {
+    DriverPath *track = NewNode(4, 2, 20);
+    if (!artist.empty()) track->Set("artist", artist);
+    track->Set("name", title);
+    track->Set("st_size", std::to_string(text.size()));
+    track->Set("st_mtime", "1262304000");
+    track->Set("location", "C:/Music/" + name);
+    track->content = FakeContent::kText;
+    track->text = text;
+    parent->Add(name, track);
+    return track;
+}
+
+void FakeTree::AddMusic(DriverPath *library) {
+    DriverPath *music = NewFolder(library, "music", 20);
+    NewTrack(music, "1.mp3", "Queen", "Song", "first song");
+    NewTrack(music, "2.mp3", "Queen", "SONG", "second song");
+    DriverPath *cloud = NewNode(4, 2, 20);
+    cloud->Set("name", "Cloud");
+    music->Add("cloud.m4p", cloud);
+    NewTrack(music, "gone-a.mp3", "A", "Gone", "12345")->content = FakeContent::kNone;
+    NewTrack(music, "gone-b.mp3", "B", "Gone", "12345")->content = FakeContent::kNone;
+    NewTrack(music, "breaks.mp3", "A", "Breaks", "half of")->content = FakeContent::kBreaks;
+
+    DriverPath *good = NewFolder(library, "good", 4);
+    NewTrack(good, "10.mp3", "", "Plain", std::string(700000, 'p'));
+    NewTrack(good, "11.mp3", "AC/DC", "What? A \"title\"...", "eleven");
+    DriverPath *thumbs = NewNode(1, 4, 43);
+    thumbs->Add("small", NewNode(4, 4, 44));
+    NewTrack(good, "12.mp3", "Bj\xC3\xB6rk", "J\xC3\xB3ga", "twelve")->Add("thumb", thumbs);
+}
+
+void FakeTree::AddLists(DriverPath *lists) {
+    DriverPath *good = Walk("library/good");
+    DriverPath *mix = NewFolder(lists, "Mix", 4);
+    mix->Add("10.mp3", good->Child("10.mp3"));
+    mix->Add("11.mp3", good->Child("11.mp3"));
+    mix->Add("10.mp3", good->Child("10.mp3"));
+    NewFolder(lists, "AC/DC", 4)->Add("11.mp3", good->Child("11.mp3"));
+    NewFolder(lists, "Twice", 4)->Add("10.mp3", good->Child("10.mp3"));
+    NewFolder(lists, "Twice", 4)->Add("11.mp3", good->Child("11.mp3"));
+    NewFolder(lists, "", 4)->Add("10.mp3", good->Child("10.mp3"));
+    NewFolder(lists, "Evil\x1b[31m\nName\xff", 4)->Add("12.mp3", good->Child("12.mp3"));
+}

@@ -1,0 +1,67 @@
+#include "host/text.h"
+
+#include <gtest/gtest.h>
+
+namespace velmarhost {
+namespace {
+
+// Every code point, written by the definition of UTF-8, must come back, and every other two-byte text must
+// not pass.
+TEST(Text, DecodesUtf8AndNothingElse) {
+    for (char32_t code = 0x80; code <= 0x10FFFF; ++code) {
+        std::string text;
+        const int tail = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+        constexpr unsigned kLeads[] = {0, 0xC0, 0xE0, 0xF0};
+        text.push_back(static_cast<char>(kLeads[tail] | (code >> (6 * tail))));
+        for (int i = tail - 1; i >= 0; --i)
+            text.push_back(static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F)));
+        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+        const DecodedCharacter character = DecodeUtf8(text, 0);
+        ASSERT_EQ(character.code, surrogate ? kBadByte : code);
+        ASSERT_EQ(character.length, surrogate ? 1U : text.size());
+        ASSERT_EQ(DecodeUtf8(text.substr(0, text.size() - 1), 0).code, kBadByte) << "a cut character";
+    }
+    EXPECT_EQ(DecodeUtf8("\xC0\xAF", 0).code, kBadByte) << "overlong";
+    EXPECT_EQ(DecodeUtf8("\xE0\x80\xAF", 0).code, kBadByte) << "overlong";
+    EXPECT_EQ(DecodeUtf8("\xF4\x90\x80\x80", 0).code, kBadByte) << "beyond the last character";
+    EXPECT_EQ(DecodeUtf8("", 0).length, 0U);
+}
+
+TEST(Text, EscapesWhatWouldDriveATerminal) {
+    EXPECT_EQ(EscapeText("a\x1b[2Jb\r\n\tc\x7f"), "a\\x1b[2Jb\\r\\n\\tc\\x7f");
+    EXPECT_EQ(EscapeText("\xC2\x9B"
+                         "31m"),
+              "\\u009b31m");
+    EXPECT_EQ(EscapeText("gpj\xE2\x80\xAE"
+                         "exe"),
+              "gpj\\u202eexe");
+    EXPECT_EQ(EscapeText("bad \xff\xC3"), "bad \\xff\\xc3");
+    EXPECT_EQ(EscapeText("Björk – ジョーガ 🎵 C:\\x"), "Björk – ジョーガ 🎵 C:\\x");
+}
+
+TEST(Text, CutsBetweenCharacters) {
+    EXPECT_EQ(CutAtCharacter("aé", 2), "a");
+    EXPECT_EQ(CutAtCharacter("aé", 3), "aé");
+    EXPECT_EQ(CutAtCharacter("🎵", 3), "");
+}
+
+TEST(Text, FoldsCaseBeyondAscii) {
+    EXPECT_EQ(FoldCase("BJÖRK ЛЕС Straße"), "björk лес straße");
+}
+
+TEST(Text, ReadsNumbersWhole) {
+    EXPECT_EQ(ParseNumber("-12"), -12);
+    for (const char *text : {"", "12x", " 1", "99999999999999999999"})
+        EXPECT_EQ(ParseNumber(text), std::nullopt);
+}
+
+TEST(Text, SizesRoundIntoTheNextUnit) {
+    EXPECT_EQ(FormatSize(999), "999 B");
+    EXPECT_EQ(FormatSize(1000), "1.0 kB");
+    EXPECT_EQ(FormatSize(999'949), "999.9 kB");
+    EXPECT_EQ(FormatSize(999'999), "1.0 MB");
+    EXPECT_EQ(FormatSize(UINT64_MAX), "18.4 EB");
+}
+
+}  // namespace
+}  // namespace velmarhost
