@@ -32,18 +32,8 @@ void IndexName(DriverPath *path, int32_t index) {
     path->child_index->Add(HashOf(text), static_cast<uint32_t>(index), same);
 }
 
-void IndexNewestName(DriverPath *parent) {
-    const int32_t count = GetVelmarArraySize(parent->names);
-    if (count < kFewChildren) return;
-    if (parent->child_index) {
-        IndexName(parent, count - 1);
-        return;
-    }
-    parent->child_index = std::make_unique<TextIndex>();
-    for (int32_t i = 0; i < count; ++i) IndexName(parent, i);
-}
-
-int32_t FindName(const DriverPath *path, std::string_view name) {
+int32_t FindName(DriverPath *path, std::string_view name) {
+    IndexChildNames(path);
     if (path->child_index) {
         const auto same = [=](uint32_t position) { return HasName(path, static_cast<int32_t>(position), name); };
         const auto found = path->child_index->Find(HashOf(name), same);
@@ -119,7 +109,7 @@ void AppendChild(DriverPath *parent, const char *name, DriverPath *child) {
     AddVelmarArrayItem(parent->children, child);
     if (name != nullptr) {
         AddVelmarArrayItem(parent->names, _strdup(name));
-        IndexNewestName(parent);
+        if (parent->child_index) IndexName(parent, GetVelmarArraySize(parent->names) - 1);
     }
     if (HangsInTree(parent)) LinkToParent(parent, child);
 }
@@ -138,7 +128,15 @@ const char *ChildNameAt(const DriverPath *path, int32_t index) {
     return static_cast<const char *>(name);
 }
 
-DriverPath *FindChild(const DriverPath *path, std::string_view name) {
+void IndexChildNames(DriverPath *path) {
+    const int32_t count = GetVelmarArraySize(path->names);
+    if (path->child_index || count < kFewChildren) return;
+    path->child_index = std::make_unique<TextIndex>();
+    path->child_index->Reserve(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) IndexName(path, i);
+}
+
+DriverPath *FindChild(DriverPath *path, std::string_view name) {
     const int32_t index = FindName(path, name);
     return index < 0 ? nullptr : ChildAt(path, index);
 }

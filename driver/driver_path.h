@@ -1,6 +1,7 @@
 #ifndef DRIVER_DRIVER_PATH_H
 #define DRIVER_DRIVER_PATH_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -48,6 +49,9 @@ constexpr int32_t kBook = 50;
 constexpr int32_t kApplication = 60;
 }  // namespace node_subcategory
 
+// A longer extension is cut in the names of tracks in lists.
+constexpr size_t kLongestListExtension = 5;
+
 // A node of the tree. `children` and `names` are parallel, and change through AppendChild alone.
 struct DriverPath {
     LibraryDriver *owner = nullptr;
@@ -70,6 +74,8 @@ struct DriverPath {
     DriverPath *parent = nullptr;
     // Grows with each AppendChild, so that it orders the children of one parent.
     uint32_t sequence = 0;
+    // Of a track: the extension of `location` as it goes into the track's names in lists, dot included.
+    char list_extension[kLongestListExtension + 1] = {};
     // Children by name; only where there are many.
     std::unique_ptr<TextIndex> child_index;
 };
@@ -86,8 +92,11 @@ DriverPath *ChildAt(const DriverPath *path, int32_t index);
 // Null when the child has no name.
 const char *ChildNameAt(const DriverPath *path, int32_t index);
 
-// The first child with exactly this name, or null.
-DriverPath *FindChild(const DriverPath *path, std::string_view name);
+// The first child with exactly this name, or null. The first search among many children indexes their names.
+DriverPath *FindChild(DriverPath *path, std::string_view name);
+
+// Indexes the names of many children now, where a search is sure to come.
+void IndexChildNames(DriverPath *path);
 
 // Releases a node with its subtree; a node that other lists hold too only loses one holder. Null is passed over.
 void ReleaseDriverPath(DriverPath *path);

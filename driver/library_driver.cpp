@@ -35,6 +35,12 @@ void CreateRoot(LibraryDriver *driver) {
     AddFixedChild(driver, "playlist", node_subcategory::kPlaylists);
 }
 
+// Every host walks to the media under "library": the first walk then costs no more than any other.
+void IndexCategoryRoots(LibraryDriver *driver) {
+    const DriverPath *library = GetLibraryRoot(driver);
+    for (int32_t i = ChildCount(library) - 1; i >= 0; --i) IndexChildNames(ChildAt(library, i));
+}
+
 // A track that no list and no root holds is not met when the tree is released.
 void ReleaseLooseTracks(LibraryDriver *driver) {
     const int32_t count = GetVelmarArraySize(driver->tracks);
@@ -65,6 +71,7 @@ int32_t CreateLibrary(LibraryDriver *driver) {
         return loaded;
     }
     LoadPlaylists(driver);
+    IndexCategoryRoots(driver);
     return 0;
 }
 

@@ -1,5 +1,8 @@
 #include "driver/path_lookup.h"
 
+#include <charconv>
+#include <optional>
+
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
 
@@ -20,19 +23,27 @@ bool HasId(const DriverPath *path, std::string_view id) {
     return own && EqualFolded(*own, id);
 }
 
-void IndexNewTracks(LibraryDriver *driver) {
+// The number that an id spells, if no other text spells it too: without sign of plus and without leading zeros.
+std::optional<int64_t> NumberOf(std::string_view id) {
+    int64_t number = 0;
+    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
+    if (error != std::errc() || end != id.data() + id.size()) return std::nullopt;
+    const std::string_view digits = id.substr(id[0] == '-' ? 1 : 0);
+    const bool padded = digits[0] == '0' && id != "0";
+    return padded ? std::nullopt : std::optional(number);
+}
+
+void IndexTrack(LibraryDriver *driver, int32_t position) {
     TreeIndex &index = driver->index;
-    const int32_t count = GetVelmarArraySize(driver->tracks);
-    if (index.tracks_indexed == count) return;
-    index.track_ids.Reserve(static_cast<size_t>(count));
-    for (int32_t i = index.tracks_indexed; i < count; ++i) {
-        const DriverPath *track = PathAt(driver->tracks, i);
-        const auto id = track == nullptr ? std::nullopt : FindAttribute(track, "id");
-        if (!id) continue;
-        const auto same = [&](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id); };
-        index.track_ids.Add(HashOfFolded(*id), static_cast<uint32_t>(i), same);
+    DriverPath *track = PathAt(driver->tracks, position);
+    const auto id = track == nullptr ? std::nullopt : FindAttribute(track, "id");
+    if (!id) return;
+    if (const auto number = NumberOf(*id)) {
+        index.track_numbers.Add(*number, track);
+        return;
     }
-    index.tracks_indexed = count;
+    const auto same = [&](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id); };
+    index.track_ids.Add(HashOfFolded(*id), static_cast<uint32_t>(position), same);
 }
 
 auto SamePersistentId(const TreeIndex &index, std::string_view id) {
@@ -97,8 +108,17 @@ DriverPath *FindById(VelmarArray *array, std::string_view id) {
     return nullptr;
 }
 
+void IndexNewTracks(LibraryDriver *driver) {
+    TreeIndex &index = driver->index;
+    const int32_t count = GetVelmarArraySize(driver->tracks);
+    if (index.tracks_indexed == count) return;
+    for (int32_t i = index.tracks_indexed; i < count; ++i) IndexTrack(driver, i);
+    index.tracks_indexed = count;
+}
+
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {
     IndexNewTracks(driver);
+    if (const auto number = NumberOf(id)) return driver->index.track_numbers.Find(*number);
     const auto same = [=](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id); };
     const auto found = driver->index.track_ids.Find(HashOfFolded(id), same);
     return found ? PathAt(driver->tracks, static_cast<int32_t>(*found)) : nullptr;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driver/driver_path.h"
+#include "driver/number_index.h"
 #include "driver/text_index.h"
 
 // Lookups that are defined by a walk over the tree or over the tracks, each at the cost of a hash lookup. The host's
@@ -15,7 +16,9 @@ struct TreeIndex {
     // The last child of "library" with a category and a subcategory.
     std::unordered_map<uint64_t, DriverPath *> category_roots;
 
-    // Positions in `tracks` by id, of the first `tracks_indexed` tracks.
+    // The first `tracks_indexed` tracks: by id where that is a number as iTunes writes it, and the positions of the others
+    // by the text of their id.
+    NumberIndex track_numbers;
     TextIndex track_ids;
     int32_t tracks_indexed = 0;
 
@@ -31,6 +34,10 @@ void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved);
 
 // The first path of an array whose `id` equals the text, with ASCII case ignored, or null. Walks the array.
 DriverPath *FindById(VelmarArray *array, std::string_view id);
+
+// Takes tracks that are new in `tracks` into the index. FindTrackById does so too; a track that is still at hand costs
+// less.
+void IndexNewTracks(LibraryDriver *driver);
 
 // The same among all tracks of the library, without a walk.
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id);

@@ -9,15 +9,14 @@ namespace {
 
 constexpr uint64_t kMultiplier = 0x9E3779B97F4A7C15;
 
-uint64_t Seed() {
-    static const uint64_t seed = (uint64_t{std::random_device{}()} << 32) | std::random_device{}();
-    return seed;
-}
+const uint64_t kSeed = (uint64_t{std::random_device{}()} << 32) | std::random_device{}();
 
 uint64_t Mix(uint64_t hash, uint64_t word) {
     hash = (hash ^ word) * kMultiplier;
     return hash ^ (hash >> 29);
 }
+
+uint32_t Fold(uint64_t hash) { return static_cast<uint32_t>(hash ^ (hash >> 32)); }
 
 // Sets the bit that tells lower from upper case in every byte that is an ASCII letter. Other bytes stay, so texts
 // that differ in them keep different hashes.
@@ -32,7 +31,7 @@ uint64_t FoldLetters(uint64_t word) {
 
 template <bool kFolded>
 uint32_t Hash(std::string_view text) {
-    uint64_t hash = Seed() ^ text.size();
+    uint64_t hash = kSeed ^ text.size();
     while (!text.empty()) {
         const size_t bytes = text.size() < sizeof(uint64_t) ? text.size() : sizeof(uint64_t);
         uint64_t word = 0;
@@ -40,10 +39,12 @@ uint32_t Hash(std::string_view text) {
         hash = Mix(hash, kFolded ? FoldLetters(word) : word);
         text.remove_prefix(bytes);
     }
-    return static_cast<uint32_t>(hash ^ (hash >> 32));
+    return Fold(hash);
 }
 
 }  // namespace
+
+uint32_t HashOf(int64_t number) { return Fold(Mix(kSeed, static_cast<uint64_t>(number))); }
 
 uint32_t HashOf(std::string_view text) { return Hash<false>(text); }
 
@@ -55,7 +56,7 @@ bool EqualFolded(std::string_view one, std::string_view other) {
 }
 
 void TextIndex::Grow() {
-    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slots_.empty() ? kFirstSlots : slots_.size() * 2));
+    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
     for (const Slot &slot : old) {
         if (slot.next != 0) slots_[SlotOf(slot.hash, [](uint32_t) { return false; })] = slot;
     }

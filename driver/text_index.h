@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
-// Hashes of texts, seeded once per process so that a library cannot be made to collide. HashOfFolded takes ASCII
-// letters of either case as the same.
+// Hashes, seeded once per process so that a library cannot be made to collide. HashOfFolded takes ASCII letters of either
+// case as the same.
+uint32_t HashOf(int64_t number);
 uint32_t HashOf(std::string_view text);
 uint32_t HashOfFolded(std::string_view text);
 

@@ -32,7 +32,8 @@ void CheckRoundTrip(CFPropertyListRef list) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     const CFPropertyListRef list = Read(bytes, size);
-    if (list != nullptr) CheckRoundTrip(list);
+    if (list == nullptr) return 0;
+    CheckRoundTrip(list);
     CFRelease(list);
     return 0;
 }

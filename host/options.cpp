@@ -13,8 +13,8 @@ namespace {
 constexpr const char *kDescription =
     "Browses an iTunes library on disk and gets files out of it. Nothing in the library is changed.";
 
-constexpr const char *kFooter = R"(
-Paths are names joined by "/", as tree and ls show them; no PATH is the root of the tree.
+constexpr const char *kFooter =
+    R"(Paths are names joined by "/", as tree and ls show them; no PATH is the root of the tree.
 
 Examples:
   velmarhost tree --depth 2
@@ -35,8 +35,8 @@ Exit codes:
 
 constexpr const char *kJsonHelp = "Write JSON: see \"JSON\" in velmarhost stat --help";
 
-constexpr const char *kStatFooter = R"(
-JSON: tree and ls write an array with one object for each entry, stat writes one object. An object has
+constexpr const char *kStatFooter =
+    R"(JSON: tree and ls write an array with one object for each entry, stat writes one object. An object has
   path, name          texts
   depth               levels below PATH
   reachable           whether the path leads to the entry; if not, "problem" says why, and what follows is missing
@@ -46,8 +46,8 @@ JSON: tree and ls write an array with one object for each entry, stat writes one
   children            stat only: the names below the node
 Bytes that are no UTF-8 appear as U+FFFD.)";
 
-constexpr const char *kGetFooter = R"(
-A folder of the tree becomes a folder in DIR. A file that is there already stays as it is, so the same command goes on
+constexpr const char *kGetFooter =
+    R"(A folder of the tree becomes a folder in DIR. A file that is there already stays as it is, so the same command goes on
 where an earlier one stopped. Each file is written under a name ".velmarhost-*.part" first and renamed when it is
 complete.)";
 
@@ -130,7 +130,7 @@ void AddCat(CLI::App &app, Options &options) {
 void AddGet(CLI::App &app, Options &options) {
     CLI::App *get =
         AddCommand(app, options, Command::kGet, "get", "Copy files and whole folders of the tree to disk");
-    get->add_option("path", options.paths, "Paths in the tree")->type_name("PATH...")->required();
+    get->add_option("path", options.paths, "Paths in the tree")->type_name("PATH")->required();
     get->add_option("--to", options.target, "Folder to write to; made if it is not there")
         ->type_name("DIR")
         ->required();

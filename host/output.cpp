@@ -50,7 +50,7 @@ void Output::Raw(std::string_view bytes) {
 }
 
 void Output::Text(std::string_view text, Style style) {
-    const std::string_view sequence = color_ ? EscapeSequence(style) : std::string_view();
+    const std::string_view sequence = color_ && !text.empty() ? EscapeSequence(style) : std::string_view();
     Raw(sequence);
     Raw(EscapeText(text));
     if (!sequence.empty()) Raw("\x1b[0m");

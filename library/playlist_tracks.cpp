@@ -1,5 +1,7 @@
 // A track under a list: its name there, and what a list of books or applications adds to it.
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -9,9 +11,6 @@
 #include "platform/windows/windows_api.h"
 
 namespace {
-
-// Dot included; what is longer is cut.
-constexpr size_t kLongestExtension = 5;
 
 bool HasNumbers(const DriverPath *path, int32_t category, int32_t subcategory) {
     return path->category == category && path->subcategory == subcategory;
@@ -51,20 +50,26 @@ void AddBookThumb(DriverPath *track, std::string location) {
     AppendChild(track, "thumb", thumb);
 }
 
+// What a list of books or applications adds to a track that has a file.
+void AddToMediaList(DriverPath *track, const DriverPath *list) {
+    if (IsBookList(list) || IsRingtoneList(list)) TakeNumbers(track, list);
+    if (!IsBookList(list) && !IsApplicationList(list)) return;
+    const auto location = FindAttribute(track, "location");
+    if (!location || location->empty()) return;
+    if (IsApplicationList(list)) TakeNumbers(track, list);
+    if (IsBookList(list)) AddBookThumb(track, std::string(*location));
+}
+
 }  // namespace
 
 void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
     constexpr size_t kMostDigits = 24;
-    char name[kMostDigits + kLongestExtension + 1] = {};
+    char name[kMostDigits + kLongestListExtension + 1] = {};
     char *end = std::to_chars(name, name + kMostDigits, id).ptr;
     DriverPath *track = FindTrackById(driver, {name, static_cast<size_t>(end - name)});
     if (track == nullptr) return;
-    const auto location = FindAttribute(track, "location");
-    if (location) ExtensionOfPath(*location).copy(end, kLongestExtension);
+    std::copy(std::begin(track->list_extension), std::end(track->list_extension), end);
     AppendChild(list, name, track);
     ++track->share_count;
-    if (IsBookList(list) || IsRingtoneList(list)) TakeNumbers(track, list);
-    if (!location || location->empty()) return;
-    if (IsApplicationList(list)) TakeNumbers(track, list);
-    if (IsBookList(list)) AddBookThumb(track, std::string(*location));
+    AddToMediaList(track, list);
 }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "content/path_text.h"
 #include "content/plist_values.h"
 #include "driver/attributes.h"
 #include "library/add_folder.h"
@@ -64,10 +65,17 @@ void ImportParserTrack(DriverPath *path) {
     }
 }
 
+// Here, where the attributes are at hand, and not at each of the lists that will hold the track.
+void KeepListExtension(DriverPath *path) {
+    const auto location = FindAttribute(path, "location");
+    if (location) ExtensionOfPath(*location).copy(path->list_extension, kLongestListExtension);
+}
+
 DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
     DriverPath *path = CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
     AddAttribute(path, "id", id);
     AddVelmarArrayItem(driver->tracks, path);
+    IndexNewTracks(driver);
     return path;
 }
 
@@ -116,11 +124,12 @@ DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, 
 int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room) {
     if (path->parser_track != nullptr) {
         ImportParserTrack(path);
-        return 0;
+    } else {
+        if (!IsDictionary(path->track_dictionary)) return -1;
+        ImportDictionary(path, room);
+        Classify(path);
+        path->track_dictionary = nullptr;
     }
-    if (!IsDictionary(path->track_dictionary)) return -1;
-    ImportDictionary(path, room);
-    Classify(path);
-    path->track_dictionary = nullptr;
+    KeepListExtension(path);
     return 0;
 }

@@ -68,7 +68,19 @@ IndexHeader IndexBuilder::MoveTo(Document &document) {
     return header;
 }
 
+namespace {
+
+const Pair *FindOrdered(const Value &dictionary, std::string_view key) {
+    const Pair *end = dictionary.pairs + dictionary.length;
+    const Pair *found = std::partition_point(
+        dictionary.pairs, end, [&](const Pair &pair) { return KeyComesBefore(TextOf(*pair.key), key); });
+    return found != end && TextOf(*found->key) == key ? found : nullptr;
+}
+
+}  // namespace
+
 const Pair *FindPair(const Value &dictionary, std::string_view key) {
+    if (Has(dictionary, kOrdered)) return FindOrdered(dictionary, key);
     const Pair *pairs = dictionary.pairs;
     if (Has(dictionary, kIndexed)) {
         const IndexHeader &index = reinterpret_cast<const IndexHeader *>(pairs)[-1];

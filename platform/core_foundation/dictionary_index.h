@@ -10,9 +10,15 @@
 
 namespace core_foundation {
 
-// A dictionary of at least as many pairs has an index. Below that a walk over the 16-bit hashes is as fast,
-// and the dictionary of a track, of which there are many, needs no more memory than its pairs.
+// A dictionary of more pairs has an index, unless its keys ascend. Below that a walk over the 16-bit hashes
+// is as fast, and the dictionary of a track, of which there are many, needs no more memory than its pairs.
 constexpr size_t kIndexedFrom = 64;
+
+// The order of decimal numbers without leading zeros, which is the order of the tracks in most libraries.
+// Where all keys ascend they are distinct, and a search by halves needs no index.
+inline bool KeyComesBefore(std::string_view first, std::string_view second) {
+    return first.size() != second.size() ? first.size() < second.size() : first < second;
+}
 
 // Open addressing over a power of two of slots, at most half of them taken.
 struct IndexSlot {

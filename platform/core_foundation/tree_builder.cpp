@@ -63,16 +63,31 @@ const Value *TreeBuilder::NewKey(std::string_view text, bool is_ascii, uint64_t 
     return key;
 }
 
-void TreeBuilder::IndexLastKey() {
+// Called for each key from number kIndexedFrom on.
+void TreeBuilder::CheckLastKey() {
     Frame &frame = frames_.back();
-    const auto last = static_cast<uint32_t>(top_ - base_);
-    uint32_t pair = last;
-    if (frame.index == nullptr) {
-        frame.index = std::make_unique<IndexBuilder>();
-        pair = 0;
+    if (frame.index != nullptr) {
+        IndexKeys(frame, top_);
+        return;
     }
-    for (; pair <= last; ++pair) {
-        if (!frame.index->Add(base_, pair)) frame.has_duplicates = true;
+    const bool is_first_check = static_cast<size_t>(top_ - base_) == kIndexedFrom;
+    bool ascends = true;
+    for (const Pair *pair = is_first_check ? base_ + 1 : top_; ascends && pair <= top_; ++pair)
+        ascends = Ascends(pair);
+    if (ascends) return;
+    frame.index = std::make_unique<IndexBuilder>();
+    IndexKeys(frame, base_);
+}
+
+// Whether the key comes behind the one before it.
+bool TreeBuilder::Ascends(const Pair *pair) const {
+    return KeyComesBefore(TextOf(*pair[-1].key), TextOf(*pair->key));
+}
+
+// Adds the keys from `first` to the last to the index.
+void TreeBuilder::IndexKeys(Frame &frame, const Pair *first) {
+    for (const Pair *pair = first; pair <= top_; ++pair) {
+        if (!frame.index->Add(base_, static_cast<uint32_t>(pair - base_))) frame.has_duplicates = true;
     }
 }
 
@@ -88,9 +103,17 @@ Value TreeBuilder::CloseArray() const {
 }
 
 Value TreeBuilder::CloseDictionary(Frame &frame) {
-    if (frame.index == nullptr) return CopySmallDistinct();
-    return frame.has_duplicates ? CopyLargeDistinct()
-                                : CopyLarge(base_, static_cast<size_t>(top_ - base_), *frame.index);
+    const auto count = static_cast<size_t>(top_ - base_);
+    if (count <= kIndexedFrom) return CopySmallDistinct();
+    if (frame.index == nullptr) return CopyOrdered();
+    return frame.has_duplicates ? CopyLargeDistinct() : CopyLarge(base_, count, *frame.index);
+}
+
+Value TreeBuilder::CopyOrdered() {
+    const auto count = static_cast<size_t>(top_ - base_);
+    auto *copies = document_.Allocate<Pair>(count);
+    std::copy_n(base_, count, copies);
+    return MakeDictionary(copies, count, kOrdered);
 }
 
 Value TreeBuilder::CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index) {

@@ -36,7 +36,7 @@ class TreeBuilder {
     // Gives the next value its key. The container is a dictionary that does not await a value.
     void PushKey(std::string_view text, bool is_ascii) {
         top_->key = Intern(text, is_ascii);
-        if (static_cast<size_t>(top_ - base_) >= kIndexedFrom) IndexLastKey();
+        if (static_cast<size_t>(top_ - base_) >= kIndexedFrom) CheckLastKey();
     }
 
     size_t depth() const { return frames_.size(); }
@@ -50,6 +50,7 @@ class TreeBuilder {
     struct Frame {
         ValueType type;
         size_t base;  // its first entry on the stack
+        // Of a dictionary of more than kIndexedFrom pairs: made at the first key that does not ascend.
         std::unique_ptr<IndexBuilder> index;
         bool has_duplicates = false;
     };
@@ -64,11 +65,14 @@ class TreeBuilder {
 
     const Value *NewKey(std::string_view text, bool is_ascii, uint64_t hash);
     void Grow();
-    void IndexLastKey();
+    void CheckLastKey();
+    bool Ascends(const Pair *pair) const;
+    void IndexKeys(Frame &frame, const Pair *first);
     Value CloseArray() const;
     Value CloseDictionary(Frame &frame);
     Value CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index);
     Value CopyLargeDistinct();
+    Value CopyOrdered();
     Value CopySmallDistinct();
 
     Document &document_;

@@ -31,13 +31,14 @@ enum class ValueType : uint8_t {
 };
 
 enum ValueFlag : uint8_t {
-    kOnHeap = 1,    // the base of a HeapObject
-    kConstant = 2,  // lives as long as the process, is never counted
-    kMutable = 4,   // a heap array or dictionary, whose content the HeapObject holds
-    kAscii = 8,     // string: every byte is below 0x80
-    kReal = 16,     // number: in `real`
-    kWide = 32,     // number: in `wide`, since it does not fit 64 bits
-    kIndexed = 64,  // dictionary: an IndexHeader stands before the pairs
+    kOnHeap = 1,     // the base of a HeapObject
+    kConstant = 2,   // lives as long as the process, is never counted
+    kMutable = 4,    // a heap array or dictionary, whose content the HeapObject holds
+    kAscii = 8,      // string: every byte is below 0x80
+    kReal = 16,      // number: in `real`
+    kWide = 32,      // number: in `wide`, since it does not fit 64 bits
+    kIndexed = 64,   // dictionary: an IndexHeader stands before the pairs
+    kOrdered = 128,  // dictionary: the keys ascend in the order of KeyComesBefore
 };
 
 // A signed integer of 128 bits in two halves.

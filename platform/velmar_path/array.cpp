@@ -3,9 +3,10 @@
 #include <new>
 #include <vector>
 
+#include "platform/velmar_path/pool.h"
 #include "platform/velmar_path/velmar_path.h"
 
-struct VelmarArray {
+struct VelmarArray : Pooled {
     std::vector<void *> items;
 
     bool Has(int32_t index) const { return index >= 0 && static_cast<size_t>(index) < items.size(); }
@@ -13,7 +14,7 @@ struct VelmarArray {
 
 int32_t AllocVelmarArray(VelmarArray **array) {
     if (array == nullptr) return -1;
-    VelmarArray *made = new (std::nothrow) VelmarArray;
+    VelmarArray *made = new VelmarArray;
     if (made == nullptr) return -1;
     *array = made;
     return 0;

@@ -26,7 +26,7 @@ bool IsFolder(const std::string &native_path) {
 // itself, which then gets the spelling asked for.
 std::string TargetOfMove(const std::string &source, std::wstring_view windows_path) {
     const SpelledPath spelled = SpellNativePath(windows_path);
-    const std::string resolved = ResolveSpelling(spelled);
+    std::string resolved = ResolveSpelling(spelled);
     if (resolved != source) return resolved;
     return FolderOf(resolved) + "/" + std::string(FileNameOf(spelled.text));
 }

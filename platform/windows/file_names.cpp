@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/windows/native_path.h"
 #include "platform/windows/text.h"
 
 namespace {
@@ -79,12 +78,4 @@ void NearestName::Offer(std::string_view name) {
     if (best_ && !nearer && !(equal && name < *best_)) return;
     best_ = name;
     best_differs_in_case_alone_ = case_alone;
-}
-
-bool IsWindowsFileName(std::string_view name) {
-    if (name.empty() || name == "." || name == "..") return false;
-    return std::none_of(name.begin(), name.end(), [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 ||
-               std::string_view("<>:\"|?*/\\").find(c) != std::string_view::npos;
-    });
 }

@@ -20,9 +20,11 @@
 namespace {
 
 constexpr int64_t kDaySeconds = 86400;
-constexpr int64_t kFirstCached =
-    7 * kDaySeconds;                          // a week into 1970: no midnight that is asked for is negative
-constexpr int64_t kEndOfCached = 4102444800;  // 2100
+// A week into 1970, so that no midnight that is asked for is negative, and 2100.
+constexpr int64_t kFirstCached = 7 * kDaySeconds;
+constexpr int64_t kEndOfCached = 4102444800;
+// From 1900, so that no cached time has a month beyond.
+constexpr int64_t kMaxMonths = 3600;
 // How long a change of the system's own zone may go unseen.
 constexpr std::chrono::seconds kLifetime(1);
 
@@ -38,7 +40,7 @@ int64_t ExactTime(std::tm &fields) {
 // in its own range: mktime counts what goes beyond as real seconds, not as those of the clock on the wall.
 std::optional<int64_t> WallSeconds(const std::tm &fields) {
     const int64_t months = int64_t{fields.tm_year} * 12 + fields.tm_mon;
-    if (fields.tm_sec < 0 || fields.tm_sec > 59 || months < 0 || months > 300 * 12) return std::nullopt;
+    if (fields.tm_sec < 0 || fields.tm_sec > 59 || months < 0 || months > kMaxMonths) return std::nullopt;
     const std::chrono::year_month_day first_of_month =
         std::chrono::year(static_cast<int>(1900 + months / 12)) / static_cast<int>(1 + months % 12) / 1;
     const int64_t days =
@@ -91,11 +93,9 @@ class ShiftCache {
     std::optional<Shift> OfDay(int64_t day, int is_dst) {
         const std::lock_guard lock(mutex_);
         ForgetIfStale();
-        const std::optional<Shift> &shift = OfMidnight(day, is_dst);
-        for (const int64_t neighbour : {day - 1, day + 1, day + 2}) {
-            if (OfMidnight(neighbour, is_dst) != shift) return std::nullopt;
-        }
-        return shift;
+        const auto [place, added] = days_.try_emplace(KeyOf(day, is_dst));
+        if (added) place->second = Agreed(day, is_dst);
+        return place->second;
     }
 
   private:
@@ -107,10 +107,22 @@ class ShiftCache {
         zone_ = zone == nullptr ? std::nullopt : std::optional<std::string>(zone);
         end_ = now + kLifetime;
         midnights_.clear();
+        days_.clear();
+    }
+
+    static int64_t KeyOf(int64_t day, int is_dst) { return day * 3 + is_dst; }
+
+    // The shift of four midnights in a row, if it is the same.
+    std::optional<Shift> Agreed(int64_t day, int is_dst) {
+        const std::optional<Shift> &shift = OfMidnight(day, is_dst);
+        for (const int64_t neighbour : {day - 1, day + 1, day + 2}) {
+            if (OfMidnight(neighbour, is_dst) != shift) return std::nullopt;
+        }
+        return shift;
     }
 
     const std::optional<Shift> &OfMidnight(int64_t day, int is_dst) {
-        const auto [place, added] = midnights_.try_emplace(day * 3 + is_dst);
+        const auto [place, added] = midnights_.try_emplace(KeyOf(day, is_dst));
         if (added) place->second = AskMktime(day * kDaySeconds, is_dst);
         return place->second;
     }
@@ -119,6 +131,7 @@ class ShiftCache {
     std::optional<std::string> zone_;
     std::chrono::steady_clock::time_point end_{};
     std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
+    std::unordered_map<int64_t, std::optional<Shift>> days_;       // what the midnights around a day agree on
 };
 
 }  // namespace

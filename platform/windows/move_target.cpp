@@ -34,8 +34,8 @@ bool IsUnchanged(const TreeEntry &entry) {
 
 // Stops at the first failure, as long as possible with everything still there.
 int RemoveSource(const std::vector<TreeEntry> &entries, bool &is_whole) {
-    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        const int error = RemoveListed({*entry});
+    for (size_t i = entries.size(); i-- > 0;) {
+        const int error = RemoveListed({entries[i]});
         if (error != 0) return error;
         is_whole = false;
     }

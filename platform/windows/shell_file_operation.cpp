@@ -63,12 +63,12 @@ std::vector<std::string> ExpandSource(const std::wstring &path, FirstError &erro
     }
     if (FileNameOf(spelled.text).find_first_of("*?") == std::string_view::npos)
         return {ResolveSpelling(spelled)};
-    const std::string folder = FolderOf(ResolveSpelling(spelled));
+    const std::string folder = FolderOf(ResolveSpelling(spelled)) + "/";
     if (!IsFolder(folder)) error.Add(ERROR_PATH_NOT_FOUND);
     std::vector<std::string> entries;
     for (const WIN32_FIND_DATAW &entry : FolderSearch(path)) {
         const std::string name = Utf8FromWide(entry.cFileName);
-        if (name != "." && name != "..") entries.push_back(folder + "/" + name);
+        if (name != "." && name != "..") entries.push_back(folder + name);
     }
     return entries;
 }

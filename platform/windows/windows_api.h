@@ -12,19 +12,21 @@
 
 #ifdef _WIN32
 
-#define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
 #define NOMINMAX
+#endif
 #include <windows.h>
 // The shell and the runtime follow <windows.h>, whose types they use.
 #include <io.h>
 #include <shellapi.h>
 #include <shlobj.h>
-#include <stdio.h>
-#include <string.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <urlmon.h>
-#include <wchar.h>
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <cwchar>
 
 #else
 
@@ -61,7 +63,7 @@ using LPCWCH = const wchar_t *;
 using HANDLE = void *;
 using HWND = struct HWND__ *;
 using HMODULE = struct HINSTANCE__ *;
-using FARPROC = void (*)();  // the type that casts to any other function's without a warning
+using FARPROC = void (*)();  // casts to any other function type without a warning
 using LPUNKNOWN = struct IUnknown *;
 using LPBINDSTATUSCALLBACK = struct IBindStatusCallback *;
 using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES *;
@@ -77,8 +79,7 @@ using LPTHREAD_START_ROUTINE = DWORD(WINAPI *)(LPVOID);
 
 inline constexpr int MAX_PATH = 260;
 
-// --- Results and errors
-// ---------------------------------------------------------------------------------------
+// --- Results and errors --------------------------------------------------------------------------
 
 inline constexpr HRESULT S_OK = 0;
 inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
@@ -121,8 +122,7 @@ inline constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
 DWORD GetLastError();
 void SetLastError(DWORD error);
 
-// --- Files and folders
-// ----------------------------------------------------------------------------------------
+// --- Files and folders ---------------------------------------------------------------------------
 
 struct FILETIME {
     DWORD dwLowDateTime;  // 100 ns since 1601-01-01 UTC, as one 64-bit number in two halves
@@ -131,8 +131,8 @@ struct FILETIME {
 
 struct WIN32_FIND_DATAW {
     DWORD dwFileAttributes;
-    FILETIME
-        ftCreationTime;  // the birth time, or the time of the last write where the file system keeps none
+    // The birth time, or the time of the last write where the file system keeps none.
+    FILETIME ftCreationTime;
     FILETIME ftLastAccessTime;
     FILETIME ftLastWriteTime;
     DWORD nFileSizeHigh;
@@ -167,8 +167,7 @@ inline constexpr DWORD MOVEFILE_WRITE_THROUGH = 0x8;
 // Within one file system only.
 BOOL MoveFileExW(LPCWSTR from, LPCWSTR to, DWORD flags);
 
-// --- Shell
-// ----------------------------------------------------------------------------------------------------
+// --- Shell ---------------------------------------------------------------------------------------
 
 inline constexpr int CSIDL_MYMUSIC = 13;
 inline constexpr DWORD SHGFP_TYPE_CURRENT = 0;
@@ -207,8 +206,7 @@ int SHFileOperationW(LPSHFILEOPSTRUCTW operation);
 HRESULT URLDownloadToFileW(LPUNKNOWN caller, LPCWSTR url, LPCWSTR path, DWORD reserved,
                            LPBINDSTATUSCALLBACK callback);
 
-// --- Threads and events
-// ---------------------------------------------------------------------------------------
+// --- Threads and events --------------------------------------------------------------------------
 
 inline constexpr DWORD INFINITE = 0xFFFFFFFF;
 inline constexpr DWORD WAIT_OBJECT_0 = 0;
@@ -229,8 +227,7 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
 BOOL CloseHandle(HANDLE handle);
 void Sleep(DWORD milliseconds);
 
-// --- Windows and the environment
-// ------------------------------------------------------------------------------
+// --- Windows and the environment -----------------------------------------------------------------
 
 // There are no windows of other programs here: null, null and FALSE.
 HWND GetForegroundWindow();
@@ -240,16 +237,14 @@ BOOL SetForegroundWindow(HWND window);
 // "TEMP", which Windows always sets, is the system's temporary folder while it is unset.
 DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size);
 
-// --- Libraries
-// ------------------------------------------------------------------------------------------------
+// --- Libraries -----------------------------------------------------------------------------------
 
 // A name without a separator is looked for where the system looks for shared libraries.
 HMODULE LoadLibraryW(LPCWSTR name);
 FARPROC GetProcAddress(HMODULE module, LPCSTR name);
 BOOL FreeLibrary(HMODULE module);
 
-// --- Text
-// -----------------------------------------------------------------------------------------------------
+// --- Text ----------------------------------------------------------------------------------------
 
 inline constexpr UINT CP_ACP = 0;
 inline constexpr UINT CP_UTF8 = 65001;
@@ -265,8 +260,7 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, LPCCH text, int text_size, 
 int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWCH text, int text_size, LPSTR buffer,
                         int buffer_size, LPCCH default_character, LPBOOL used_default_character);
 
-// --- Runtime library
-// ------------------------------------------------------------------------------------------
+// --- Runtime library -----------------------------------------------------------------------------
 
 // The times are `timespec` records under the system's names, for which st_mtime and its like are macros here.
 struct _stat64 {

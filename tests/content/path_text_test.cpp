@@ -58,9 +58,12 @@ TEST(TempPath, EmptyFolderIsAFolderInUtf8Only) {
 
 TEST(TempPath, NoLengthIsTooLong) {
     for (const size_t size : {258U, 259U, 260U, 261U, 5000U}) {
-        const std::string folder = "/" + std::string(size - 1, 'f');
+        std::string folder(size, 'f');
+        folder.front() = '/';
         const ScopedEnvironment temp("TEMP", folder);
-        EXPECT_EQ(BuildTempPath(folder, folder), folder + "\\" + folder + "\\" + folder) << size;
+        std::string expected = folder;
+        expected.append("\\").append(folder).append("\\").append(folder);
+        EXPECT_EQ(BuildTempPath(folder, folder), expected) << size;
         EXPECT_EQ(BuildTempPathW(std::nullopt, L"n"), Utf8ToWide(folder) + L"\\n") << size;
     }
 }

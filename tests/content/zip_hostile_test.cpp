@@ -189,11 +189,12 @@ TEST_F(HostileZipTest, OverlongNameIsCut) {
 }
 
 TEST_F(HostileZipTest, PatternThatExplodesIsGivenUp) {
-    const std::vector<ZipBuilderEntry> entries(20000, StoredEntry(std::string(200, 'a') + "!", ""));
+    // Short enough for each name to end by itself after a million steps, were there no limit for one.
+    const std::vector<ZipBuilderEntry> entries(20000, StoredEntry(std::string(20, 'a') + "!", ""));
     const std::string zip = WriteZip(entries);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ExtractEntry(zip, "(a+)+", Out().string()), -2);
-    EXPECT_EQ(ExtractEntry(zip, "(?:a?){200}a{200}", Out().string()), -2);
+    EXPECT_EQ(ExtractEntry(zip, "(?:a?){20}a{20}", Out().string()), -2);
     EXPECT_EQ(ExtractEntry(zip, std::string(100000, '('), Out().string()), -2);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }

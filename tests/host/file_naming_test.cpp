@@ -16,7 +16,7 @@ std::string Safe(const std::string &stem, const std::string &extension = "") {
 TEST(FileNaming, ForbiddenCharactersAreReplaced) {
     EXPECT_EQ(Safe("a<b>c:d\"e/f\\g|h?i*j", ".mp3"), "a_b_c_d_e_f_g_h_i_j.mp3");
     EXPECT_EQ(Safe("line\nbreak\x1b\x7f\xff"), "line_break___");
-    EXPECT_EQ(Safe("turn\xE2\x80\xAEgpj"), "turn_gpj");
+    EXPECT_EQ(Safe("turn\xE2\x80\xAEgpj\xE2\x80\xAC"), "turn_gpj_");
 }
 
 TEST(FileNaming, NamesThatMeanSomethingElseAreChanged) {

@@ -61,7 +61,7 @@ pid_t HostProcess::Spawn(const std::vector<std::string> &arguments, int output, 
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<std::string> variables;
     for (const auto &[name, value] : environment_)
-        variables.push_back(name + "=" + value);
+        variables.emplace_back(name).append("=").append(value);
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -32,9 +32,7 @@ TEST(Text, EscapesWhatWouldDriveATerminal) {
     EXPECT_EQ(EscapeText("\xC2\x9B"
                          "31m"),
               "\\u009b31m");
-    EXPECT_EQ(EscapeText("gpj\xE2\x80\xAE"
-                         "exe"),
-              "gpj\\u202eexe");
+    EXPECT_EQ(EscapeText("a\xE2\x80\xAE.gpj\xE2\x80\xAC"), "a\\u202e.gpj\\u202c");
     EXPECT_EQ(EscapeText("bad \xff\xC3"), "bad \\xff\\xc3");
     EXPECT_EQ(EscapeText("Björk – ジョーガ 🎵 C:\\x"), "Björk – ジョーガ 🎵 C:\\x");
 }

@@ -213,7 +213,7 @@ TEST(LoadPlaylists, ListsOfTheOtherSourceAreAllSmart) {
     }
     ASSERT_EQ(LoadTracks(&driver), 0);
     LoadPlaylists(&driver);
-    const DriverPath *list = FindChild(GetPlaylistRoot(&driver), "");
+    DriverPath *list = FindChild(GetPlaylistRoot(&driver), "");
     ASSERT_NE(list, nullptr);
     EXPECT_THAT(Numbers(list), ElementsAre(1, 1, 3));
     EXPECT_EQ(FindAttribute(list, "persistent_id"), "77");

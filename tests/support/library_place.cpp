@@ -17,12 +17,11 @@ std::string StyledBackslashPath(const LibraryPlace &place, const fs::path &path)
     return BackslashPath(StyledPath(place, path));
 }
 
+// TEMP stays a path of this system in either style, as others than the driver read it too.
 EnvironmentValues Environment(const LibraryPlace &place, const fs::path &app_data, const fs::path &wine) {
-    const auto value = [&](const fs::path &path) {
-        return place.style == PathStyle::kNative ? path.string() : StyledBackslashPath(place, path);
-    };
-    return {{"APPDATA", value(app_data)},
-            {"TEMP", value(place.home / "Temp")},
+    const bool native = place.style == PathStyle::kNative;
+    return {{"APPDATA", native ? app_data.string() : StyledBackslashPath(place, app_data)},
+            {"TEMP", (place.home / "Temp").string()},
             {"WINEPREFIX", wine.string()},
             {"HOME", place.home.string()},
             {"XDG_CONFIG_HOME", (place.home / ".config").string()}};

@@ -28,7 +28,8 @@ struct LibraryPlace {
 };
 
 // Makes the folders and the preference file below `folder`, which must be absolute. The library XML is the
-// caller's to write: at `library_xml`, by default the usual place in the music folder.
+// caller's to write: at `library_xml`, by default the usual place in the music folder. In Windows style it
+// must lie below the home folder.
 LibraryPlace MakeLibraryPlace(const std::filesystem::path &folder, PathStyle style = PathStyle::kNative,
                               const std::filesystem::path &library_xml = {});
 

@@ -113,7 +113,7 @@ CFURLRef NewUrl(const std::string &path) {
 
 Owned ReadFile(const std::string &path) {
     const Owned url(NewUrl(path));
-    const CFReadStreamRef stream =
+    CFReadStreamRef stream =
         CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
     if (!CFReadStreamOpen(stream)) return nullptr;
@@ -124,7 +124,7 @@ Owned ReadFile(const std::string &path) {
 
 bool WriteFile(const std::string &path, CFPropertyListRef list, CFPropertyListFormat format) {
     const Owned url(NewUrl(path));
-    const CFWriteStreamRef stream =
+    CFWriteStreamRef stream =
         CFWriteStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
     if (!CFWriteStreamOpen(stream)) return false;

@@ -111,7 +111,7 @@ TEST(Writers, LeaveTheTargetWhenAListCannotBeWritten) {
         EXPECT_FALSE(WriteFile(path, ReadBytes(text).get(), kCFPropertyListOpenStepFormat)) << text;
     }
     // Static, since nothing can release a cycle.
-    static const CFMutableArrayRef holds_itself = CFArrayCreateMutable(kCFAllocatorDefault, 0, nullptr);
+    static CFMutableArrayRef holds_itself = CFArrayCreateMutable(kCFAllocatorDefault, 0, nullptr);
     CFArrayAppendValue(holds_itself, holds_itself);
     for (const CFPropertyListFormat format : kFormats)
         EXPECT_FALSE(WriteFile(path, holds_itself, format));
@@ -137,7 +137,7 @@ TEST(Streams, ReadAsMuchAsTheyAreTold) {
     const Owned url(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault,
                                                             reinterpret_cast<const UInt8 *>(path.data()),
                                                             static_cast<CFIndex>(path.size()), false));
-    const CFReadStreamRef stream =
+    CFReadStreamRef stream =
         CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
     EXPECT_EQ(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream, 0, 0, nullptr, nullptr), nullptr);

@@ -1,0 +1,39 @@
+#ifndef DRIVER_NUMBER_INDEX_H
+#define DRIVER_NUMBER_INDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+struct DriverPath;
+
+// Finds paths by a number that is theirs for good.
+class NumberIndex {
+  public:
+    // The first path of a number stays.
+    void Add(int64_t number, DriverPath *path) {
+        if (slots_.size() < (used_ + 1) * 2) Grow();
+        Slot &slot = slots_[SlotOf(number)];
+        if (slot.path != nullptr) return;
+        slot = {number, path};
+        ++used_;
+    }
+
+    // Null for an unknown number.
+    DriverPath *Find(int64_t number) const { return slots_.empty() ? nullptr : slots_[SlotOf(number)].path; }
+
+  private:
+    struct Slot {
+        int64_t number = 0;
+        DriverPath *path = nullptr;
+    };
+
+    // The slot that holds the number, or the free one where it would go.
+    size_t SlotOf(int64_t number) const;
+    void Grow();
+
+    std::vector<Slot> slots_;  // a power of two, at most half full
+    size_t used_ = 0;
+};
+
+#endif

@@ -1,0 +1,106 @@
+#include "platform/velmar_path/pool.h"
+
+#include <sys/mman.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kPooled = false;  // so that the checker sees each piece by itself
+#else
+constexpr bool kPooled = true;
+#endif
+
+constexpr size_t kSlabBytes = size_t{2} << 20;  // one large page
+constexpr size_t kStep = alignof(std::max_align_t);
+constexpr size_t kLargestPiece = 4096;
+
+struct SlabDeleter {
+    void operator()(std::byte *slab) const { ::operator delete(slab, std::align_val_t{kSlabBytes}); }
+};
+
+// A returned piece waits in the list of its size for the next taker.
+class Pool {
+  public:
+    void *Take(size_t bytes) {
+        const std::lock_guard lock(mutex_);
+        const size_t steps = StepsOf(bytes);
+        void *piece = free_[steps] != nullptr ? PopFree(steps) : Cut(steps * kStep);
+        ++count_;
+        return piece;
+    }
+
+    void Return(void *piece, size_t bytes) {
+        const std::lock_guard lock(mutex_);
+        if (--count_ == 0) {
+            slabs_.clear();
+            room_ = 0;
+            free_ = {};
+            return;
+        }
+        FreePiece *&first = free_[StepsOf(bytes)];
+        first = new (piece) FreePiece{first};
+    }
+
+  private:
+    struct FreePiece {
+        FreePiece *next;
+    };
+
+    static size_t StepsOf(size_t bytes) { return (bytes + kStep - 1) / kStep; }
+
+    void *PopFree(size_t steps) { return std::exchange(free_[steps], free_[steps]->next); }
+
+    void *Cut(size_t bytes) {
+        if (room_ < bytes) AddSlab();
+        room_ -= bytes;
+        return slabs_.back().get() + room_;
+    }
+
+    void AddSlab() {
+        slabs_.emplace_back(static_cast<std::byte *>(::operator new(kSlabBytes, std::align_val_t{kSlabBytes})));
+        // Small pages do as well, if there are no large ones.
+        madvise(slabs_.back().get(), kSlabBytes, MADV_HUGEPAGE);
+        room_ = kSlabBytes;
+    }
+
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<std::byte[], SlabDeleter>> slabs_;
+    size_t room_ = 0;  // of the last slab, at its front
+    std::array<FreePiece *, kLargestPiece / kStep + 1> free_ = {};
+    size_t count_ = 0;
+};
+
+// Never destroyed: a host may release its containers at the very end of the process.
+Pool &ThePool() {
+    static Pool &pool = *new Pool;
+    return pool;
+}
+
+constexpr bool IsPooled(size_t bytes) { return kPooled && bytes <= kLargestPiece; }
+
+}  // namespace
+
+void *TakeFromPool(size_t bytes) noexcept {
+    try {
+        return IsPooled(bytes) ? ThePool().Take(bytes) : ::operator new(bytes);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+void ReturnToPool(void *piece, size_t bytes) noexcept {
+    if (piece == nullptr) return;
+    if (IsPooled(bytes)) {
+        ThePool().Return(piece, bytes);
+    } else {
+        ::operator delete(piece, bytes);
+    }
+}
