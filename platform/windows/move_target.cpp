@@ -77,12 +77,14 @@ int MoveTarget::Place(const std::string &entry, std::string_view name, bool is_f
     while (true) {
         const std::string free = FreeName(name, is_folder);
         if (free != name && !renames_) return EEXIST;
-        place = folder_ + "/" + free;
-        const int error = RenameWithoutReplacing(entry, place);
+        const std::string path = folder_ + "/" + free;
+        const int error = RenameWithoutReplacing(entry, path);
         if (error != 0 && error != EEXIST) return error;
         // EEXIST: something has taken the name since the folder was read.
         taken_.insert(NameKey(free));
-        if (error == 0) return 0;
+        if (error == EEXIST) continue;
+        place = path;
+        return 0;
     }
 }
 
@@ -100,13 +102,12 @@ int MoveTarget::CopyIn(const std::string &entry, bool is_folder) {
     const TreeListing source = ListTree(entry);
     if (HoldsFolder(source.entries, folder_)) return EINVAL;
     const std::string copy = TemporaryPathIn(folder_);
+    std::string place = copy;
+    bool source_is_whole = true;
     int error = CopyListed(source, copy);
     if (error == 0 && !AreUnchanged(source.entries)) error = EBUSY;
-    std::string place = copy;
     if (error == 0) error = Place(copy, FileNameOf(entry), is_folder, place);
-    if (error != 0) place = copy;
     if (error == 0) error = SyncFolder(folder_);
-    bool source_is_whole = true;
     if (error == 0) error = RemoveSource(source.entries, source_is_whole);
     if (error != 0 && source_is_whole) RemoveTree(place);
     return error;

@@ -144,7 +144,6 @@ class TreeBuilder {
                 ReadList(list);
         }
         AddUnlistedFilms();
-        AddScannedRoots();
         return root_;
     }
 
@@ -258,17 +257,6 @@ class TreeBuilder {
                 AddTrack(*movie, *id);
             }
         }
-    }
-
-    // The folder scans make these, although they find nothing.
-    void AddScannedRoots() {
-        const auto add = [&](const std::string &name, int category, int subcategory) {
-            const auto same = [&](const SlowNode &n) { return n.subcategory == subcategory; };
-            if (!LastChildOf(Library(), same)) Library().Hang(name, MakeNode(1, category, subcategory));
-        };
-        add("ringtone", 2, 21);
-        add("Books", 5, 50);
-        add("app", 6, 60);
     }
 
     const SlowValue &library_;

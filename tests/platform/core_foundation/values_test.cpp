@@ -206,7 +206,8 @@ TEST(References, KeepTheDocumentOfARetainedValue) {
     const void *entry = CFRetain(CFArrayGetValueAtIndex(copy, 0));
     EXPECT_EQ(Describe(entry), "{\"path\":\"x\"}");
     CFRelease(entry);
-    CFRelease(nullptr);  // NOLINT(clang-analyzer-osx.coreFoundation.CFRetainRelease): harmless in this library
+    CFRelease(
+        nullptr);  // NOLINT(clang-analyzer-osx.coreFoundation.CFRetainRelease): harmless in this library
     EXPECT_EQ(CFRetain(nullptr), nullptr);
 }
 

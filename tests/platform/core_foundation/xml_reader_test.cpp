@@ -213,12 +213,13 @@ TEST(XmlReader, ReadsAcrossTheEndOfItsWindow) {
         "<key>Date</key><date>2001-01-01T00:00:00Z</date><key>On</key><true/><key>n</key><integer>17</"
         "integer></dict>\n";
     const std::string description = R"({"Name":"A & B","Data":<000102>,"Date":d0,"On":T,"n":i17})";
+    const std::string expected = "[" + description + "," + description + "," + description + "]";
     constexpr size_t kWindow = 256 << 10;
     for (size_t shift = 0; shift < record.size(); ++shift) {
         const size_t front = kWindow - 300 + shift;
-        const std::string text = "<array>" + std::string(front, ' ') + Repeat(record, 3) + "</array>";
-        ASSERT_EQ(DescribeBytes(text), "[" + description + "," + description + "," + description + "]")
-            << shift;
+        std::string text(front, ' ');
+        text.append("<array>").append(Repeat(record, 3)).append("</array>");
+        ASSERT_EQ(DescribeBytes(text), expected) << shift;
     }
 }
 
