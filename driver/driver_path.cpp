@@ -90,7 +90,8 @@ int32_t DepthOf(const DriverPath *path) {
 }  // namespace
 
 DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
-    auto path = std::make_unique<DriverPath>();
+    std::unique_ptr<DriverPath> path(new DriverPath);
+    if (path == nullptr) throw std::bad_alloc();
     path->owner = driver;
     path->kind = kind;
     path->category = category;

@@ -11,6 +11,7 @@
 #include "driver/text_index.h"
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/itl_parser/itl_parser.h"
+#include "platform/memory/pool.h"
 
 // The numbers that type a node.
 namespace node_kind {
@@ -53,7 +54,7 @@ constexpr int32_t kApplication = 60;
 constexpr size_t kLongestListExtension = 5;
 
 // A node of the tree. `children` and `names` are parallel, and change through AppendChild alone.
-struct DriverPath {
+struct DriverPath : Pooled {
     LibraryDriver *owner = nullptr;
     char *open_path = nullptr;                   // text of the first open, while open_count is not 0
     CFDictionaryRef track_dictionary = nullptr;  // borrowed, set while a track of the XML file is imported

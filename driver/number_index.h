@@ -10,6 +10,10 @@ struct DriverPath;
 // Finds paths by a number that is theirs for good.
 class NumberIndex {
   public:
+    void Reserve(size_t count) {
+        while (slots_.size() < count * 2) Grow();
+    }
+
     // The first path of a number stays.
     void Add(int64_t number, DriverPath *path) {
         if (slots_.size() < (used_ + 1) * 2) Grow();

@@ -42,14 +42,21 @@ void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
     CFDictionaryGetKeysAndValues(dictionary, room.keys.data(), room.values.data());
 }
 
+std::optional<size_t> RowOf(const void *key, TrackImportRoom &room) {
+    TrackImportRoom::KnownKey &known = room.known_keys[reinterpret_cast<uintptr_t>(key) / 16 % room.known_keys.size()];
+    if (known.key != key) {
+        const auto text = PlistText(key, 0, room.text);
+        known = {key, text ? FindTrackKey(*text) : std::nullopt};
+    }
+    return known.row;
+}
+
 void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
     // One pass over the entries finds the value of each row; a lookup of each row would be a pass for each.
     std::array<CFTypeRef, kTrackKeyCount> rows = {};
     ReadEntries(path->track_dictionary, room);
     for (size_t i = 0; i < room.keys.size(); ++i) {
-        const auto key = PlistText(room.keys[i], 0, room.text);
-        const auto row = key ? FindTrackKey(*key) : std::nullopt;
-        if (row) rows[*row] = room.values[i];
+        if (const auto row = RowOf(room.keys[i], room)) rows[*row] = room.values[i];
     }
     for (size_t row = 0; row < kTrackKeyCount; ++row) {
         if (rows[row] == nullptr) continue;
@@ -93,6 +100,7 @@ void LoadXmlTracks(LibraryDriver *driver, TrackImportRoom &room) {
     if (!IsDictionary(tracks)) return;
     TrackImportRoom entries;
     ReadEntries(static_cast<CFDictionaryRef>(tracks), entries);
+    driver->index.track_numbers.Reserve(entries.keys.size());
     for (size_t i = 0; i < entries.keys.size(); ++i) {
         const auto id = PlistText(entries.keys[i], 0, entries.text);
         if (id && entries.values[i] != nullptr) CreateTrack(driver, id->data(), entries.values[i], room);

@@ -1,6 +1,7 @@
 #ifndef LIBRARY_TRACK_IMPORT_H
 #define LIBRARY_TRACK_IMPORT_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -9,8 +10,14 @@
 
 #include "driver/library_driver.h"
 
-// Room that the import of one track after another uses again.
+// Room that the import of one track after another of one property list uses again.
 struct TrackImportRoom {
+    // Keys are shared by the tracks of a list as a rule, so the row of one is known by its reference.
+    struct KnownKey {
+        const void *key = nullptr;
+        std::optional<size_t> row;
+    };
+    std::array<KnownKey, 64> known_keys;
     std::vector<const void *> keys;
     std::vector<const void *> values;
     std::string text;

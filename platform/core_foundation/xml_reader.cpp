@@ -213,9 +213,11 @@ class XmlReader {
             case Element::kString:
                 return ReadString(tag);
             case Element::kInteger:
+                return ReadScalar<Element::kInteger>(tag);
             case Element::kReal:
+                return ReadScalar<Element::kReal>(tag);
             case Element::kDate:
-                return ReadScalar(tag);
+                return ReadScalar<Element::kDate>(tag);
             case Element::kTrue:
             case Element::kFalse:
                 return ReadBoolean(tag);
@@ -272,10 +274,12 @@ class XmlReader {
         return text.next;
     }
 
+    // A template, so that the end tag is compared as a constant.
+    template <Element kElement>
     const char *ReadScalar(const Tag &tag) {
-        const XmlText text = TakeText(tag, tag.element);
+        const XmlText text = TakeText(tag, kElement);
         if (text.next == nullptr) return nullptr;
-        const std::optional<Value> value = ParseScalar(tag.element, text.text);
+        const std::optional<Value> value = ParseScalar(kElement, text.text);
         if (!value) return nullptr;
         Accept(*value);
         return text.next;

@@ -3,7 +3,7 @@
 #include <new>
 #include <vector>
 
-#include "platform/velmar_path/pool.h"
+#include "platform/memory/pool.h"
 #include "platform/velmar_path/velmar_path.h"
 
 struct VelmarArray : Pooled {

@@ -5,7 +5,7 @@
 #include <new>
 #include <string_view>
 
-#include "platform/velmar_path/pool.h"
+#include "platform/memory/pool.h"
 #include "platform/velmar_path/velmar_path.h"
 
 namespace {

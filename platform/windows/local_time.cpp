@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "platform/windows/windows_api.h"
 
@@ -93,9 +94,10 @@ class ShiftCache {
     std::optional<Shift> OfDay(int64_t day, int is_dst) {
         const std::lock_guard lock(mutex_);
         ForgetIfStale();
-        const auto [place, added] = days_.try_emplace(KeyOf(day, is_dst));
-        if (added) place->second = Agreed(day, is_dst);
-        return place->second;
+        const int64_t key = KeyOf(day, is_dst);
+        Day &known = days_[static_cast<size_t>(key) % kKnownDays];
+        if (known.key != key) known = {key, Agreed(day, is_dst)};
+        return known.shift;
     }
 
   private:
@@ -107,8 +109,15 @@ class ShiftCache {
         zone_ = zone == nullptr ? std::nullopt : std::optional<std::string>(zone);
         end_ = now + kLifetime;
         midnights_.clear();
-        days_.clear();
+        days_.assign(kKnownDays, {});
     }
+
+    // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside each other.
+    struct Day {
+        int64_t key = -1;
+        std::optional<Shift> shift;
+    };
+    static constexpr size_t kKnownDays = 8192 * 3;
 
     static int64_t KeyOf(int64_t day, int is_dst) { return day * 3 + is_dst; }
 
@@ -131,7 +140,7 @@ class ShiftCache {
     std::optional<std::string> zone_;
     std::chrono::steady_clock::time_point end_{};
     std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
-    std::unordered_map<int64_t, std::optional<Shift>> days_;       // what the midnights around a day agree on
+    std::vector<Day> days_;                                        // by the remainder of their keys
 };
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 // The path of the file behind the links that a path ends in; the path itself if there is no such file yet.
 std::wstring FollowLinks(const std::wstring &path) {
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file = CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE file = CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return path;
     std::wstring target(GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
     const DWORD size = GetFinalPathNameByHandleW(file, target.data(), static_cast<DWORD>(target.size()),
@@ -49,7 +49,7 @@ struct AtomicFile::State {
     }
 
     bool Close() {
-        const HANDLE open = std::exchange(file, INVALID_HANDLE_VALUE);
+        HANDLE open = std::exchange(file, INVALID_HANDLE_VALUE);
         return open != INVALID_HANDLE_VALUE && CloseHandle(open) != FALSE;
     }
 

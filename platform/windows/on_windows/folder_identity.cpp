@@ -5,7 +5,7 @@
 std::optional<FolderIdentity> IdentifyFolder(const std::wstring &path) {
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     // Without the backup flag no folder can be opened.
-    const HANDLE folder =
+    HANDLE folder =
         CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (folder == INVALID_HANDLE_VALUE) return std::nullopt;
     BY_HANDLE_FILE_INFORMATION status;

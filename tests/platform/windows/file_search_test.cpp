@@ -63,7 +63,7 @@ TEST(FolderSearch, ErrorsTellWhatIsMissing) {
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
     EXPECT_EQ(FindFirstFileW(Pattern(folder, "*.zip").c_str(), &entry), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    const HANDLE search = FindFirstFileW(Pattern(folder, "*").c_str(), &entry);
+    HANDLE search = FindFirstFileW(Pattern(folder, "*").c_str(), &entry);
     ASSERT_NE(search, INVALID_HANDLE_VALUE);
     EXPECT_EQ(FindNextFileW(search, &entry), TRUE);
     EXPECT_EQ(FindNextFileW(search, &entry), FALSE);
@@ -135,7 +135,7 @@ std::vector<std::wstring> Texts(size_t size, std::wstring_view alphabet) {
     std::vector<std::wstring> texts = {L""};
     for (size_t i = 0; i < texts.size() && texts[i].size() < size; ++i) {
         for (const wchar_t c : alphabet)
-            texts.push_back(texts[i] + c);
+            texts.emplace_back(texts[i]).push_back(c);
     }
     return texts;
 }

@@ -163,9 +163,11 @@ TEST(LocalTime, AChangeOfTheZoneCountsAtOnce) {
 
 TEST(LocalTime, MayBeAskedOnManyThreads) {
     const ScopedEnvironment environment("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    constexpr int kThreads = 4;
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     std::atomic<int> failures = 0;
-    for (int thread = 0; thread < 4; ++thread) {
+    for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&failures, thread] {
             for (int day = 0; day < 2000; ++day) {
                 std::tm winter = WallTime(2000 + thread, 1, 1 + day, 12, 0, 0, 0);

@@ -27,7 +27,7 @@ DWORD WINAPI RunWork(LPVOID argument) {
 TEST(Threads, AWaitTellsWhenAThreadIsOver) {
     Work work;
     DWORD id = 0;
-    const HANDLE thread = CreateThread(nullptr, 0, RunWork, &work, 0, &id);
+    HANDLE thread = CreateThread(nullptr, 0, RunWork, &work, 0, &id);
     ASSERT_NE(thread, nullptr);
     EXPECT_NE(id, GetCurrentThreadId());
     EXPECT_EQ(WaitForSingleObject(thread, 10), WAIT_TIMEOUT);
@@ -62,22 +62,22 @@ TEST(Threads, SeveralMayWaitForOne) {
             return WaitForSingleObject(static_cast<Waiter *>(argument)->thread, INFINITE);
         }
     } waiter = {CreateThread(nullptr, 0, RunWork, &work, 0, nullptr)};
-    const HANDLE first = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
-    const HANDLE second = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
+    HANDLE first = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
+    HANDLE second = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
     SetEvent(work.go);
     EXPECT_EQ(WaitForSingleObject(first, INFINITE), WAIT_OBJECT_0);
     EXPECT_EQ(WaitForSingleObject(second, INFINITE), WAIT_OBJECT_0);
-    for (const HANDLE handle : {first, second, waiter.thread})
+    for (HANDLE handle : {first, second, waiter.thread})
         CloseHandle(handle);
 }
 
 TEST(Events, ManualAndAutomaticReset) {
-    const HANDLE manual = CreateEventW(nullptr, TRUE, TRUE, nullptr);
+    HANDLE manual = CreateEventW(nullptr, TRUE, TRUE, nullptr);
     EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
     EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
     EXPECT_EQ(ResetEvent(manual), TRUE);
     EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_TIMEOUT);
-    const HANDLE automatic = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    HANDLE automatic = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     EXPECT_EQ(SetEvent(automatic), TRUE);
     EXPECT_EQ(WaitForSingleObject(automatic, INFINITE), WAIT_OBJECT_0);
     EXPECT_EQ(WaitForSingleObject(automatic, 1), WAIT_TIMEOUT);
@@ -86,12 +86,12 @@ TEST(Events, ManualAndAutomaticReset) {
 }
 
 TEST(Handles, WrongOnesAreRefused) {
-    const HANDLE thread = CreateThread(
+    HANDLE thread = CreateThread(
         nullptr, 0, [](LPVOID) -> DWORD { return 0; }, nullptr, 0, nullptr);
     EXPECT_EQ(SetEvent(thread), FALSE);
     EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
     CloseHandle(thread);
-    for (const HANDLE handle : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+    for (HANDLE handle : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
         EXPECT_EQ(WaitForSingleObject(handle, 0), WAIT_FAILED);
         EXPECT_EQ(SetEvent(handle), FALSE);
         EXPECT_EQ(ResetEvent(handle), FALSE);

@@ -1,4 +1,4 @@
-#include "platform/velmar_path/pool.h"
+#include "platform/memory/pool.h"
 
 #include <sys/mman.h>
 
