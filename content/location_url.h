@@ -4,8 +4,9 @@
 #include <string>
 #include <string_view>
 
-// The path of a file URL: without "file://localhost/" or "file:///" in front, and with its percent escapes decoded to
-// the bytes that they spell. Slashes stay slashes. A text that is no file URL is only decoded. Two characters behind a
+// The path of a file URL: without "file://localhost/" or "file:///" in front, and with its percent escapes
+// decoded to the bytes that they spell. Slashes stay slashes. A text that is no file URL is only decoded. Two
+// characters behind a
 // "%" that are no hexadecimal digits give a byte 0, which ends the path, and so does a "%" at the very end.
 std::string LocationUrlToPath(std::string_view url);
 

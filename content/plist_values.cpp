@@ -57,7 +57,8 @@ std::optional<std::string_view> StringText(CFStringRef string, std::string &room
     if (CFStringGetLength(string) < 1) return std::nullopt;
     if (const char *text = CFStringGetCStringPtr(string, kCFStringEncodingUTF8)) return text;
     // Not every implementation can lend its text.
-    const CFIndex bytes = CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+    const CFIndex bytes =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
     room.resize(static_cast<size_t>(bytes));
     if (!CFStringGetCString(string, room.data(), bytes, kCFStringEncodingUTF8)) return std::nullopt;
     room.resize(room.find('\0'));
@@ -67,7 +68,8 @@ std::optional<std::string_view> StringText(CFStringRef string, std::string &room
 std::string_view Base64Text(CFDataRef data, std::string &room) {
     const auto length = static_cast<size_t>(CFDataGetLength(data));
     std::string bytes(length, '\0');
-    CFDataGetBytes(data, CFRangeMake(0, static_cast<CFIndex>(length)), reinterpret_cast<UInt8 *>(bytes.data()));
+    CFDataGetBytes(data, CFRangeMake(0, static_cast<CFIndex>(length)),
+                   reinterpret_cast<UInt8 *>(bytes.data()));
     const std::unique_ptr<char, decltype(&g_free)> text(
         g_base64_encode(reinterpret_cast<const guchar *>(bytes.data()), length), g_free);
     room = text.get();
@@ -76,13 +78,21 @@ std::string_view Base64Text(CFDataRef data, std::string &room) {
 
 }  // namespace
 
-bool IsDictionary(CFTypeRef value) { return value != nullptr && CFGetTypeID(value) == Types().dictionary; }
+bool IsDictionary(CFTypeRef value) {
+    return value != nullptr && CFGetTypeID(value) == Types().dictionary;
+}
 
-bool IsArray(CFTypeRef value) { return value != nullptr && CFGetTypeID(value) == Types().array; }
+bool IsArray(CFTypeRef value) {
+    return value != nullptr && CFGetTypeID(value) == Types().array;
+}
 
-bool IsData(CFTypeRef value) { return value != nullptr && CFGetTypeID(value) == Types().data; }
+bool IsData(CFTypeRef value) {
+    return value != nullptr && CFGetTypeID(value) == Types().data;
+}
 
-bool IsNumber(CFTypeRef value) { return value != nullptr && CFGetTypeID(value) == Types().number; }
+bool IsNumber(CFTypeRef value) {
+    return value != nullptr && CFGetTypeID(value) == Types().number;
+}
 
 CFOwner ReadPropertyListFile(const std::string &path) {
     const CFOwner url = FileUrl(path);
@@ -90,8 +100,8 @@ CFOwner ReadPropertyListFile(const std::string &path) {
     auto *stream = static_cast<CFReadStreamRef>(const_cast<void *>(owner.get()));
     if (stream == nullptr || !CFReadStreamOpen(stream)) return nullptr;
     const std::unique_ptr<__CFReadStream, StreamCloser> closer(stream);
-    return CFOwner(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream, 0, kCFPropertyListImmutable, nullptr,
-                                                  nullptr));
+    return CFOwner(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream, 0, kCFPropertyListImmutable,
+                                                  nullptr, nullptr));
 }
 
 int32_t WritePropertyListFile(const std::string &path, CFPropertyListRef plist, CFPropertyListFormat format) {
@@ -122,7 +132,8 @@ std::optional<std::string_view> PlistText(CFTypeRef value, int32_t flags, std::s
         room = LocationUrlToPath(*text);
         return room;
     }
-    if (type == Types().boolean) return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) == 1 ? "true" : "false";
+    if (type == Types().boolean)
+        return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) == 1 ? "true" : "false";
     if (type == Types().date) return Decimal(DateToSeconds(static_cast<CFDateRef>(value)), room);
     if (type == Types().data) return Base64Text(static_cast<CFDataRef>(value), room);
     WriteDriverLog("Ignore data type <%d>\n", static_cast<int>(type));

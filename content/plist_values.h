@@ -12,20 +12,21 @@
 // Flag of a value's text: a string is a file URL and is given as a path.
 constexpr int32_t kTextIsLocation = 4;
 
-// The root value of a property-list file, of any type; null when the file is missing or no property list. `path` is
-// UTF-8.
+// The root value of a property-list file, of any type; null when the file is missing or no property list.
+// `path` is UTF-8.
 CFOwner ReadPropertyListFile(const std::string &path);
 
-// Replaces a file by a property list in the given format. 0; -2 when the file cannot be opened for writing. A write
-// that fails later leaves the old file as it was, and still gives 0.
+// Replaces a file by a property list in the given format. 0; -2 when the file cannot be opened for writing. A
+// write that fails later leaves the old file as it was, and still gives 0.
 int32_t WritePropertyListFile(const std::string &path, CFPropertyListRef plist, CFPropertyListFormat format);
 
 // The value under a key as attribute text; empty for no dictionary, no such key or no text.
 std::optional<std::string> PlistValueText(CFTypeRef dictionary, const char *key, int32_t flags);
 
-// A value as attribute text, by the value's type: a number in decimal, "true" or "false", a date in seconds, data in
-// Base64. Empty for an empty string, for a number that is no whole number of 64 bits, and for a type that has no text,
-// which is logged. The text is followed by a NUL; it lies in the value or in `room`, and lasts until either changes.
+// A value as attribute text, by the value's type: a number in decimal, "true" or "false", a date in seconds,
+// data in Base64. Empty for an empty string, for a number that is no whole number of 64 bits, and for a type
+// that has no text, which is logged. The text is followed by a NUL; it lies in the value or in `room`, and
+// lasts until either changes.
 std::optional<std::string_view> PlistText(CFTypeRef value, int32_t flags, std::string &room);
 
 // The text of a string; empty for null and for an empty string.
@@ -33,7 +34,8 @@ std::optional<std::string> CFStringToUtf8(CFStringRef string);
 
 CFOwner Utf8ToCFString(const std::string &text);
 
-// The date's UTC fields read as local time, in seconds since 1970: the true moment only where local time is UTC.
+// The date's UTC fields read as local time, in seconds since 1970: the true moment only where local time is
+// UTC.
 int64_t DateToSeconds(CFDateRef date);
 
 bool IsDictionary(CFTypeRef value);

@@ -8,8 +8,8 @@
 
 #include "driver/driver_path.h"
 
-// The first value of a key, or empty. The text lies in the node's container and is valid until its attributes change;
-// it is followed by a NUL.
+// The first value of a key, or empty. The text lies in the node's container and is valid until its attributes
+// change; it is followed by a NUL.
 std::optional<std::string_view> FindAttribute(const DriverPath *path, const char *key);
 
 // True when the attribute exists and is "true", in any letter case.

@@ -35,7 +35,9 @@ void IndexName(DriverPath *path, int32_t index) {
 int32_t FindName(DriverPath *path, std::string_view name) {
     IndexChildNames(path);
     if (path->child_index) {
-        const auto same = [=](uint32_t position) { return HasName(path, static_cast<int32_t>(position), name); };
+        const auto same = [=](uint32_t position) {
+            return HasName(path, static_cast<int32_t>(position), name);
+        };
         const auto found = path->child_index->Find(HashOf(name), same);
         return found ? static_cast<int32_t>(*found) : -1;
     }
@@ -64,16 +66,20 @@ DriverPath *RootChild(const LibraryDriver *driver, int32_t position) {
     return driver == nullptr || driver->root == nullptr ? nullptr : ChildAt(driver->root, position);
 }
 
-bool HangsInTree(const DriverPath *path) { return path->parent != nullptr || path == path->owner->root; }
+bool HangsInTree(const DriverPath *path) {
+    return path->parent != nullptr || path == path->owner->root;
+}
 
 bool IsAncestor(const DriverPath *ancestor, const DriverPath *path) {
-    while (path != nullptr && path != ancestor) path = path->parent;
+    while (path != nullptr && path != ancestor)
+        path = path->parent;
     return path != nullptr;
 }
 
 void LinkToParent(DriverPath *parent, DriverPath *child) {
     const bool first_holder = child->parent == nullptr;
-    // The new place is the last one under its parent, so it comes behind everything that the parent holds already.
+    // The new place is the last one under its parent, so it comes behind everything that the parent holds
+    // already.
     if (!first_holder && (!ComesBefore(parent, child) || IsAncestor(parent, child))) return;
     child->parent = parent;
     child->sequence = child->owner->next_sequence++;
@@ -83,7 +89,8 @@ void LinkToParent(DriverPath *parent, DriverPath *child) {
 // The distance to the top of the tree.
 int32_t DepthOf(const DriverPath *path) {
     int32_t depth = 0;
-    while ((path = path->parent) != nullptr) ++depth;
+    while ((path = path->parent) != nullptr)
+        ++depth;
     return depth;
 }
 
@@ -115,7 +122,9 @@ void AppendChild(DriverPath *parent, const char *name, DriverPath *child) {
     if (HangsInTree(parent)) LinkToParent(parent, child);
 }
 
-int32_t ChildCount(const DriverPath *path) { return GetVelmarArraySize(path->children); }
+int32_t ChildCount(const DriverPath *path) {
+    return GetVelmarArraySize(path->children);
+}
 
 DriverPath *ChildAt(const DriverPath *path, int32_t index) {
     void *child = nullptr;
@@ -134,7 +143,8 @@ void IndexChildNames(DriverPath *path) {
     if (path->child_index || count < kFewChildren) return;
     path->child_index = std::make_unique<TextIndex>();
     path->child_index->Reserve(static_cast<size_t>(count));
-    for (int32_t i = 0; i < count; ++i) IndexName(path, i);
+    for (int32_t i = 0; i < count; ++i)
+        IndexName(path, i);
 }
 
 DriverPath *FindChild(DriverPath *path, std::string_view name) {
@@ -154,7 +164,8 @@ void ReleaseDriverPath(DriverPath *path) {
             continue;
         }
         const int32_t count = ChildCount(node);
-        for (int32_t i = 0; i < count; ++i) pending.push_back(ChildAt(node, i));
+        for (int32_t i = 0; i < count; ++i)
+            pending.push_back(ChildAt(node, i));
         FreeNode(node);
     }
 }
@@ -163,8 +174,10 @@ bool ComesBefore(const DriverPath *first, const DriverPath *second) {
     int32_t first_depth = DepthOf(first);
     int32_t second_depth = DepthOf(second);
     const bool first_is_higher = first_depth <= second_depth;
-    for (; first_depth > second_depth; --first_depth) first = first->parent;
-    for (; second_depth > first_depth; --second_depth) second = second->parent;
+    for (; first_depth > second_depth; --first_depth)
+        first = first->parent;
+    for (; second_depth > first_depth; --second_depth)
+        second = second->parent;
     // One is an ancestor of the other: a walk meets a node before its children.
     if (first == second) return first_is_higher;
     while (first->parent != second->parent) {
@@ -174,11 +187,17 @@ bool ComesBefore(const DriverPath *first, const DriverPath *second) {
     return first->sequence < second->sequence;
 }
 
-DriverPath *GetLibraryRoot(const LibraryDriver *driver) { return RootChild(driver, kLibraryPosition); }
+DriverPath *GetLibraryRoot(const LibraryDriver *driver) {
+    return RootChild(driver, kLibraryPosition);
+}
 
-DriverPath *GetGeniusRoot(const LibraryDriver *driver) { return RootChild(driver, kGeniusPosition); }
+DriverPath *GetGeniusRoot(const LibraryDriver *driver) {
+    return RootChild(driver, kGeniusPosition);
+}
 
-DriverPath *GetPlaylistRoot(const LibraryDriver *driver) { return RootChild(driver, kPlaylistPosition); }
+DriverPath *GetPlaylistRoot(const LibraryDriver *driver) {
+    return RootChild(driver, kPlaylistPosition);
+}
 
 DriverPath *CreateCategoryPath(LibraryDriver *driver, const char *name, int32_t kind, int32_t category,
                                int32_t subcategory) {

@@ -70,8 +70,8 @@ struct DriverPath : Pooled {
     int32_t from_folder_scan = 0;
     int32_t open_count = 0;
 
-    // Of the nodes that hold this one, the one that a depth-first walk from the root meets first; null where no such
-    // walk comes.
+    // Of the nodes that hold this one, the one that a depth-first walk from the root meets first; null where
+    // no such walk comes.
     DriverPath *parent = nullptr;
     // Grows with each AppendChild, so that it orders the children of one parent.
     uint32_t sequence = 0;
@@ -99,7 +99,8 @@ DriverPath *FindChild(DriverPath *path, std::string_view name);
 // Indexes the names of many children now, where a search is sure to come.
 void IndexChildNames(DriverPath *path);
 
-// Releases a node with its subtree; a node that other lists hold too only loses one holder. Null is passed over.
+// Releases a node with its subtree; a node that other lists hold too only loses one holder. Null is passed
+// over.
 void ReleaseDriverPath(DriverPath *path);
 
 // True when a depth-first walk from the root meets `first` before `second`; both hang in one tree.

@@ -18,7 +18,9 @@ int64_t SaturatingSum(int64_t base, int64_t offset) {
     return base + offset;
 }
 
-int64_t RangeEnd(const DriverStream &stream) { return SaturatingSum(stream.range_offset, stream.range_size); }
+int64_t RangeEnd(const DriverStream &stream) {
+    return SaturatingSum(stream.range_offset, stream.range_size);
+}
 
 int32_t RefuseSize(const DriverStream &stream) {
     WriteDriverLog("Seek operation out of thumb size = %lld", static_cast<long long>(stream.range_size));

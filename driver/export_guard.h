@@ -6,8 +6,8 @@
 
 #include "driver/driver_log.h"
 
-// Runs the body of an export. No exception reaches the host: one that escapes, such as for want of memory, is logged
-// and becomes -1.
+// Runs the body of an export. No exception reaches the host: one that escapes, such as for want of memory, is
+// logged and becomes -1.
 template <typename Body>
 int32_t GuardExport(Body body) noexcept {
     try {

@@ -12,7 +12,8 @@ namespace {
 
 void AddRootAttribute(LibraryDriver *driver, const char *key, const char *plist_key) {
     const auto dictionary = static_cast<CFDictionaryRef>(driver->library_plist.get());
-    if (const auto text = PlistValueText(dictionary, plist_key, 0)) AddAttribute(driver->root, key, text->c_str());
+    if (const auto text = PlistValueText(dictionary, plist_key, 0))
+        AddAttribute(driver->root, key, text->c_str());
 }
 
 void AddFixedChild(LibraryDriver *driver, const char *name, int32_t subcategory) {
@@ -38,7 +39,8 @@ void CreateRoot(LibraryDriver *driver) {
 // Every host walks to the media under "library": the first walk then costs no more than any other.
 void IndexCategoryRoots(LibraryDriver *driver) {
     const DriverPath *library = GetLibraryRoot(driver);
-    for (int32_t i = ChildCount(library) - 1; i >= 0; --i) IndexChildNames(ChildAt(library, i));
+    for (int32_t i = ChildCount(library) - 1; i >= 0; --i)
+        IndexChildNames(ChildAt(library, i));
 }
 
 // A track that no list and no root holds is not met when the tree is released.
@@ -80,7 +82,8 @@ void DestroyLibrary(LibraryDriver *driver) {
     driver->parser.reset();
     ReleaseLooseTracks(driver);
     ReleaseDriverPath(driver->root);
-    for (DriverPath *list : driver->unnamed_lists) ReleaseDriverPath(list);
+    for (DriverPath *list : driver->unnamed_lists)
+        ReleaseDriverPath(list);
     FreeVelmarArray(driver->tracks);
     driver->root = nullptr;
     driver->tracks = nullptr;

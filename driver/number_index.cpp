@@ -17,12 +17,14 @@ size_t NumberIndex::SlotOf(int64_t number) const {
     // Numbers that follow each other, as those of tracks in a list often do, lie beside each other.
     const int64_t group = number & ~(kNeighbours - 1);
     size_t at = (HashOf(group) * size_t{kNeighbours} + static_cast<size_t>(number - group)) & mask;
-    while (slots_[at].path != nullptr && slots_[at].number != number) at = (at + 1) & mask;
+    while (slots_[at].path != nullptr && slots_[at].number != number)
+        at = (at + 1) & mask;
     return at;
 }
 
 void NumberIndex::Grow() {
-    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
+    const std::vector<Slot> old =
+        std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
     for (const Slot &slot : old) {
         if (slot.path != nullptr) slots_[SlotOf(slot.number)] = slot;
     }

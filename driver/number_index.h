@@ -11,7 +11,8 @@ struct DriverPath;
 class NumberIndex {
   public:
     void Reserve(size_t count) {
-        while (slots_.size() < count * 2) Grow();
+        while (slots_.size() < count * 2)
+            Grow();
     }
 
     // The first path of a number stays.

@@ -11,7 +11,8 @@
 
 namespace {
 
-// The node that the text names, or null. A trailing "/" is passed over; other empty segments are names like any other.
+// The node that the text names, or null. A trailing "/" is passed over; other empty segments are names like
+// any other.
 DriverPath *WalkPath(LibraryDriver *driver, std::string_view rest) {
     DriverPath *path = driver->root;
     while (path != nullptr && !rest.empty()) {
@@ -59,13 +60,15 @@ int32_t GetInfo(DriverPath *path, DriverPathInfo *info) {
         WriteDriverLog("Path info is zero");
         return -1;
     }
-    *info = {path->open_path, path->kind, path->category, path->subcategory, 0, path->names, path->attributes, 0};
+    *info = {path->open_path,  path->kind, path->category, path->subcategory, 0, path->names,
+             path->attributes, 0};
     return 0;
 }
 
 }  // namespace
 
-int32_t OpenDriverPath(LibraryDriver *driver, int32_t /*device_index*/, const char *path_text, DriverPath **path) {
+int32_t OpenDriverPath(LibraryDriver *driver, int32_t /*device_index*/, const char *path_text,
+                       DriverPath **path) {
     return GuardExport([=] { return Open(driver, path_text, path); });
 }
 

@@ -23,7 +23,8 @@ bool HasId(const DriverPath *path, std::string_view id) {
     return own && EqualFolded(*own, id);
 }
 
-// The number that an id spells, if no other text spells it too: without sign of plus and without leading zeros.
+// The number that an id spells, if no other text spells it too: without sign of plus and without leading
+// zeros.
 std::optional<int64_t> NumberOf(std::string_view id) {
     int64_t number = 0;
     const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
@@ -42,12 +43,16 @@ void IndexTrack(LibraryDriver *driver, int32_t position) {
         index.track_numbers.Add(*number, track);
         return;
     }
-    const auto same = [&](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id); };
+    const auto same = [&](uint32_t at) {
+        return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id);
+    };
     index.track_ids.Add(HashOfFolded(*id), static_cast<uint32_t>(position), same);
 }
 
 auto SamePersistentId(const TreeIndex &index, std::string_view id) {
-    return [&index, id](uint32_t at) { return FindAttribute(index.persistent_nodes[at], "persistent_id") == id; };
+    return [&index, id](uint32_t at) {
+        return FindAttribute(index.persistent_nodes[at], "persistent_id") == id;
+    };
 }
 
 // Enters a node under its persistent id, unless a node that the walk meets earlier stands there.
@@ -112,14 +117,17 @@ void IndexNewTracks(LibraryDriver *driver) {
     TreeIndex &index = driver->index;
     const int32_t count = GetVelmarArraySize(driver->tracks);
     if (index.tracks_indexed == count) return;
-    for (int32_t i = index.tracks_indexed; i < count; ++i) IndexTrack(driver, i);
+    for (int32_t i = index.tracks_indexed; i < count; ++i)
+        IndexTrack(driver, i);
     index.tracks_indexed = count;
 }
 
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {
     IndexNewTracks(driver);
     if (const auto number = NumberOf(id)) return driver->index.track_numbers.Find(*number);
-    const auto same = [=](uint32_t at) { return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id); };
+    const auto same = [=](uint32_t at) {
+        return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id);
+    };
     const auto found = driver->index.track_ids.Find(HashOfFolded(id), same);
     return found ? PathAt(driver->tracks, static_cast<int32_t>(*found)) : nullptr;
 }

@@ -10,14 +10,14 @@
 #include "driver/number_index.h"
 #include "driver/text_index.h"
 
-// Lookups that are defined by a walk over the tree or over the tracks, each at the cost of a hash lookup. The host's
-// arrays stay the truth: these records tell where to look, and are kept or dropped with every change.
+// Lookups that are defined by a walk over the tree or over the tracks, each at the cost of a hash lookup. The
+// host's arrays stay the truth: these records tell where to look, and are kept or dropped with every change.
 struct TreeIndex {
     // The last child of "library" with a category and a subcategory.
     std::unordered_map<uint64_t, DriverPath *> category_roots;
 
-    // The first `tracks_indexed` tracks: by id where that is a number as iTunes writes it, and the positions of the others
-    // by the text of their id.
+    // The first `tracks_indexed` tracks: by id where that is a number as iTunes writes it, and the positions
+    // of the others by the text of their id.
     NumberIndex track_numbers;
     TextIndex track_ids;
     int32_t tracks_indexed = 0;
@@ -28,21 +28,22 @@ struct TreeIndex {
     bool persistent_ids_built = false;
 };
 
-// Keeps the index right when a node has been hung under a parent; `moved` tells that it hung elsewhere before and now
-// comes earlier in the walk.
+// Keeps the index right when a node has been hung under a parent; `moved` tells that it hung elsewhere before
+// and now comes earlier in the walk.
 void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved);
 
 // The first path of an array whose `id` equals the text, with ASCII case ignored, or null. Walks the array.
 DriverPath *FindById(VelmarArray *array, std::string_view id);
 
-// Takes tracks that are new in `tracks` into the index. FindTrackById does so too; a track that is still at hand costs
-// less.
+// Takes tracks that are new in `tracks` into the index. FindTrackById does so too; a track that is still at
+// hand costs less.
 void IndexNewTracks(LibraryDriver *driver);
 
 // The same among all tracks of the library, without a walk.
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id);
 
-// The node with this persistent id, case counting, that a depth-first walk from the root meets first, or null.
+// The node with this persistent id, case counting, that a depth-first walk from the root meets first, or
+// null.
 DriverPath *FindPathByPersistentId(LibraryDriver *driver, std::string_view id);
 
 // The last child of "library" with these numbers, or null.

@@ -1,4 +1,5 @@
-// Built with 32-bit pointers, every record at the boundary has the word positions that hosts of that time rely on.
+// Built with 32-bit pointers, every record at the boundary has the word positions that hosts of that time
+// rely on.
 #include <cstddef>
 
 #include "driver/itunes_driver.h"
@@ -10,7 +11,9 @@ constexpr bool HasWords(size_t words) {
     return sizeof(void *) != 4 || sizeof(Record) == words * 4;
 }
 
-constexpr bool AtWord(size_t offset, size_t word) { return sizeof(void *) != 4 || offset == word * 4; }
+constexpr bool AtWord(size_t offset, size_t word) {
+    return sizeof(void *) != 4 || offset == word * 4;
+}
 
 static_assert(sizeof(DriverStartupRecord) == 16);
 static_assert(sizeof(CopyProgress) == 32);

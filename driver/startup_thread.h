@@ -5,8 +5,8 @@
 
 #include "driver/itunes_driver.h"
 
-// Calls the host back once, half a second after the start. The object's end stops a call that is still to come and
-// waits for one that is running, unless it is that call which ends the object.
+// Calls the host back once, half a second after the start. The object's end stops a call that is still to
+// come and waits for one that is running, unless it is that call which ends the object.
 class StartupThread {
   public:
     // `library_open` tells whether there is a library to report.

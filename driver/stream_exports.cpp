@@ -13,7 +13,8 @@
 namespace {
 
 // Null means that the arguments will do.
-const char *FaultOf(const LibraryDriver *driver, int32_t device_index, const char *path_text, DriverStream **out) {
+const char *FaultOf(const LibraryDriver *driver, int32_t device_index, const char *path_text,
+                    DriverStream **out) {
     if (driver == nullptr) return "Local driver is not available";
     if (path_text == nullptr) return "Local driver path is not available";
     if (out == nullptr) return "Receive local stream address is zero";
@@ -76,7 +77,8 @@ int32_t OnStream(DriverStream *stream, Operation operation) {
 
 }  // namespace
 
-int32_t OpenDriverStream(LibraryDriver *driver, int32_t device_index, const char *path_text, DriverStream **stream) {
+int32_t OpenDriverStream(LibraryDriver *driver, int32_t device_index, const char *path_text,
+                         DriverStream **stream) {
     return GuardExport([=] { return Open(driver, device_index, path_text, stream); });
 }
 

@@ -11,7 +11,9 @@
 
 namespace {
 
-bool FileExists(const std::string &path) { return _waccess(Utf8ToWide(path).c_str(), 0) == 0; }
+bool FileExists(const std::string &path) {
+    return _waccess(Utf8ToWide(path).c_str(), 0) == 0;
+}
 
 int64_t ToNumber(std::string_view text) {
     int64_t number = 0;
@@ -36,8 +38,8 @@ void TakeSizeOf(DriverPath *path, const std::string &file) {
     SetAttribute(path, "st_size", std::to_string(status.st_size).c_str());
 }
 
-// The cache file of an application's icon, fetched at the first use and kept; the application file itself when there
-// is no icon to be had.
+// The cache file of an application's icon, fetched at the first use and kept; the application file itself
+// when there is no icon to be had.
 std::string IconFile(DriverPath *path, const std::string &location, const std::string &icon) {
     const std::string cache = BuildTempPath(std::nullopt, FileNameOfPath(location)) + ".jpg";
     if (!FileExists(cache)) FetchIcon(path, location, icon, cache);
@@ -57,7 +59,8 @@ std::optional<StreamSource> FindStreamSource(DriverPath *path, const char *path_
     StreamSource source;
     source.file = *location;
     const auto icon = FindAttribute(path, "icon_image");
-    if (icon && IsAttributeTrue(path, "is_ipa")) source.file = IconFile(path, source.file, std::string(*icon));
+    if (icon && IsAttributeTrue(path, "is_ipa"))
+        source.file = IconFile(path, source.file, std::string(*icon));
     const auto size = FindAttribute(path, "st_size");
     source.size = size ? ToNumber(*size) : 0;
     source.offset = path->thumb_offset;

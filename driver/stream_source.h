@@ -15,11 +15,12 @@ struct StreamSource {
     bool is_folder = false;
 };
 
-// Reads it off the path's attributes; an application's icon is fetched into the temporary folder first. Empty, after a
-// line in the log that names `path_text`, when the path has no file.
+// Reads it off the path's attributes; an application's icon is fetched into the temporary folder first.
+// Empty, after a line in the log that names `path_text`, when the path has no file.
 std::optional<StreamSource> FindStreamSource(DriverPath *path, const char *path_text);
 
-// Packs a folder into an archive of its name in the temporary folder, and gives that path; empty when that fails.
+// Packs a folder into an archive of its name in the temporary folder, and gives that path; empty when that
+// fails.
 std::optional<std::string> PackFolder(const std::string &folder);
 
 #endif

@@ -16,10 +16,12 @@ uint64_t Mix(uint64_t hash, uint64_t word) {
     return hash ^ (hash >> 29);
 }
 
-uint32_t Fold(uint64_t hash) { return static_cast<uint32_t>(hash ^ (hash >> 32)); }
+uint32_t Fold(uint64_t hash) {
+    return static_cast<uint32_t>(hash ^ (hash >> 32));
+}
 
-// Sets the bit that tells lower from upper case in every byte that is an ASCII letter. Other bytes stay, so texts
-// that differ in them keep different hashes.
+// Sets the bit that tells lower from upper case in every byte that is an ASCII letter. Other bytes stay, so
+// texts that differ in them keep different hashes.
 uint64_t FoldLetters(uint64_t word) {
     constexpr uint64_t kOnes = 0x0101010101010101;
     const uint64_t low = word & (0x7F * kOnes);
@@ -44,11 +46,17 @@ uint32_t Hash(std::string_view text) {
 
 }  // namespace
 
-uint32_t HashOf(int64_t number) { return Fold(Mix(kSeed, static_cast<uint64_t>(number))); }
+uint32_t HashOf(int64_t number) {
+    return Fold(Mix(kSeed, static_cast<uint64_t>(number)));
+}
 
-uint32_t HashOf(std::string_view text) { return Hash<false>(text); }
+uint32_t HashOf(std::string_view text) {
+    return Hash<false>(text);
+}
 
-uint32_t HashOfFolded(std::string_view text) { return Hash<true>(text); }
+uint32_t HashOfFolded(std::string_view text) {
+    return Hash<true>(text);
+}
 
 bool EqualFolded(std::string_view one, std::string_view other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
@@ -56,7 +64,8 @@ bool EqualFolded(std::string_view one, std::string_view other) {
 }
 
 void TextIndex::Grow() {
-    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
+    const std::vector<Slot> old =
+        std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
     for (const Slot &slot : old) {
         if (slot.next != 0) slots_[SlotOf(slot.hash, [](uint32_t) { return false; })] = slot;
     }

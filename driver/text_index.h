@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-// Hashes, seeded once per process so that a library cannot be made to collide. HashOfFolded takes ASCII letters of either
-// case as the same.
+// Hashes, seeded once per process so that a library cannot be made to collide. HashOfFolded takes ASCII
+// letters of either case as the same.
 uint32_t HashOf(int64_t number);
 uint32_t HashOf(std::string_view text);
 uint32_t HashOfFolded(std::string_view text);
@@ -21,12 +21,13 @@ constexpr char FoldLetter(char letter) {
 // The comparison that goes with HashOfFolded.
 bool EqualFolded(std::string_view one, std::string_view other);
 
-// Finds positions in an array by the text that belongs to each. The index holds hashes and positions only; what a
-// position's text is today, the caller tells with `same`, so the array stays the one truth.
+// Finds positions in an array by the text that belongs to each. The index holds hashes and positions only;
+// what a position's text is today, the caller tells with `same`, so the array stays the one truth.
 class TextIndex {
   public:
     void Reserve(size_t count) {
-        while (slots_.size() < count * 2) Grow();
+        while (slots_.size() < count * 2)
+            Grow();
     }
 
     // Adds a position unless one with the same text is there: the first stays. `same(position)` tells that.
@@ -61,7 +62,8 @@ class TextIndex {
     size_t SlotOf(uint32_t hash, Same same) const {
         const size_t mask = slots_.size() - 1;
         size_t at = hash & mask;
-        while (slots_[at].next != 0 && (slots_[at].hash != hash || !same(slots_[at].next - 1))) at = (at + 1) & mask;
+        while (slots_[at].next != 0 && (slots_[at].hash != hash || !same(slots_[at].next - 1)))
+            at = (at + 1) & mask;
         return at;
     }
 

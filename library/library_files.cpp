@@ -12,7 +12,9 @@ namespace {
 constexpr int32_t kNoLibraryFile = -999;
 
 // Paths of the user's media are logged in the code page of the system, as iTunes names them there.
-std::string AnsiOf(const std::string &text) { return AnsiFromWide(Utf8ToWide(text)); }
+std::string AnsiOf(const std::string &text) {
+    return AnsiFromWide(Utf8ToWide(text));
+}
 
 // Empty without a My Music folder: the default files do not exist then.
 std::string InMyMusic(const wchar_t *name) {

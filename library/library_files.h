@@ -5,8 +5,8 @@
 
 #include "driver/library_driver.h"
 
-// Finds the library of the current user and opens it: the XML file, or "iTunes Library.itl" when that cannot be read.
-// Sets the paths and the source of the driver. 0, or -999 when neither can be read.
+// Finds the library of the current user and opens it: the XML file, or "iTunes Library.itl" when that cannot
+// be read. Sets the paths and the source of the driver. 0, or -999 when neither can be read.
 int32_t LoadLibraryFiles(LibraryDriver *driver);
 
 #endif

@@ -16,13 +16,15 @@ bool IsMovie(const DriverPath *path) {
 DriverPath *MovieRoot(LibraryDriver *driver) {
     DriverPath *root = FindCategoryRoot(driver, node_category::kVideo, node_subcategory::kMovie);
     if (root != nullptr) return root;
-    return CreateCategoryPath(driver, "movie", node_kind::kFolder, node_category::kVideo, node_subcategory::kMovie);
+    return CreateCategoryPath(driver, "movie", node_kind::kFolder, node_category::kVideo,
+                              node_subcategory::kMovie);
 }
 
 // Ids in one letter case, as ids are compared.
 std::string FoldedId(std::string_view id) {
     std::string folded(id);
-    for (char &letter : folded) letter = FoldLetter(letter);
+    for (char &letter : folded)
+        letter = FoldLetter(letter);
     return folded;
 }
 

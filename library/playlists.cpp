@@ -12,14 +12,20 @@ namespace {
 // A list of this name is one that iTunes hides.
 constexpr char kHiddenList[] = "####!####";
 
-bool IsHidden(const PlaylistRecord &record) { return record.name == kHiddenList; }
+bool IsHidden(const PlaylistRecord &record) {
+    return record.name == kHiddenList;
+}
 
 DriverPath *ParentOf(const LibraryDriver *driver, ListParent parent) {
     switch (parent) {
-        case ListParent::kLibrary: return GetLibraryRoot(driver);
-        case ListParent::kGenius: return GetGeniusRoot(driver);
-        case ListParent::kPlaylists: return GetPlaylistRoot(driver);
-        case ListParent::kNone: break;
+        case ListParent::kLibrary:
+            return GetLibraryRoot(driver);
+        case ListParent::kGenius:
+            return GetGeniusRoot(driver);
+        case ListParent::kPlaylists:
+            return GetPlaylistRoot(driver);
+        case ListParent::kNone:
+            break;
     }
     return nullptr;
 }
@@ -114,7 +120,8 @@ DriverPath *CreatePlaylistPath(LibraryDriver *driver, const PlaylistRecord &reco
         return path;
     }
     if (record.persistent_id) AddAttribute(path, "persistent_id", record.persistent_id->c_str());
-    AppendChild(HolderOf(driver, record, parent), kind.name != nullptr ? kind.name : record.name->c_str(), path);
+    AppendChild(HolderOf(driver, record, parent), kind.name != nullptr ? kind.name : record.name->c_str(),
+                path);
     return path;
 }
 
@@ -131,7 +138,8 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
         if (!IsDictionary(item)) continue;
         const void *number = CFDictionaryGetValue(static_cast<CFDictionaryRef>(item), kTrackId);
         int64_t id = 0;
-        if (IsNumber(number) && CFNumberGetValue(static_cast<CFNumberRef>(number), kCFNumberSInt64Type, &id)) {
+        if (IsNumber(number) &&
+            CFNumberGetValue(static_cast<CFNumberRef>(number), kCFNumberSInt64Type, &id)) {
             AddTrackToPlaylist(driver, path, id);
         }
     }
@@ -139,6 +147,7 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
 }
 
 int32_t AddParserPlaylistItems(LibraryDriver *driver, DriverPath *path, const std::vector<int32_t> &items) {
-    for (const int32_t id : items) AddTrackToPlaylist(driver, path, id);
+    for (const int32_t id : items)
+        AddTrackToPlaylist(driver, path, id);
     return 0;
 }

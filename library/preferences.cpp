@@ -49,7 +49,8 @@ bool SetFlag(CFTypeRef user_preferences) {
     return true;
 }
 
-// Little-endian UTF-16 without mark or terminator, up to the first zero unit; an odd byte at the end is a low byte.
+// Little-endian UTF-16 without mark or terminator, up to the first zero unit; an odd byte at the end is a low
+// byte.
 std::wstring DecodeUtf16(std::string_view bytes) {
     std::wstring text;
     for (size_t at = 0; at < bytes.size(); at += 2) {
@@ -89,6 +90,7 @@ LibraryPreferences ReadLibraryPreferences() {
     }
     const CFTypeRef user_preferences = ValueOf(preferences.get(), "User Preferences");
     // A file that cannot be rewritten is no reason not to load.
-    if (SetFlag(user_preferences)) WritePropertyListFile(path, preferences.get(), kCFPropertyListXMLFormat_v1_0);
+    if (SetFlag(user_preferences))
+        WritePropertyListFile(path, preferences.get(), kCFPropertyListXMLFormat_v1_0);
     return {TextOf(user_preferences, kMediaFolder), TextOf(user_preferences, kXmlLocation)};
 }

@@ -10,8 +10,8 @@ struct LibraryPreferences {
     std::optional<std::string> xml_path;
 };
 
-// Reads the preference file of the current user. Sets one flag byte in it, if it is there and not set, which rewrites
-// the file. A file that cannot be read is logged and gives no preferences.
+// Reads the preference file of the current user. Sets one flag byte in it, if it is there and not set, which
+// rewrites the file. A file that cannot be read is logged and gives no preferences.
 LibraryPreferences ReadLibraryPreferences();
 
 #endif

@@ -42,21 +42,35 @@ std::optional<std::string> SizeText(const Track &track) {
 
 std::optional<std::string> TrackFieldText(const Track &track, size_t index, int32_t flags) {
     switch (index) {
-        case kName: return track.name;
-        case kArtist: return track.artist;
-        case kAlbum: return track.album;
-        case kGenre: return track.genre;
-        case kKind: return track.kind;
-        case kSize: return SizeText(track);
-        case kDuration: return std::to_string(track.total_time);
-        case kBitRate: return std::to_string(track.bit_rate);
-        case kSampleRate: return std::to_string(track.sample_rate);
-        case kPlays: return std::to_string(track.play_count);
-        case kRating: return std::to_string(track.rating);
-        case kPersistentId: return track.persistent_id;
+        case kName:
+            return track.name;
+        case kArtist:
+            return track.artist;
+        case kAlbum:
+            return track.album;
+        case kGenre:
+            return track.genre;
+        case kKind:
+            return track.kind;
+        case kSize:
+            return SizeText(track);
+        case kDuration:
+            return std::to_string(track.total_time);
+        case kBitRate:
+            return std::to_string(track.bit_rate);
+        case kSampleRate:
+            return std::to_string(track.sample_rate);
+        case kPlays:
+            return std::to_string(track.play_count);
+        case kRating:
+            return std::to_string(track.rating);
+        case kPersistentId:
+            return track.persistent_id;
         case kLocation:
             return (flags & kTextIsLocation) != 0 ? LocationUrlToPath(track.location) : track.location;
-        case kModified: return std::to_string(track.date_modified);
-        default: return std::nullopt;
+        case kModified:
+            return std::to_string(track.date_modified);
+        default:
+            return std::nullopt;
     }
 }

@@ -43,7 +43,8 @@ void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
 }
 
 std::optional<size_t> RowOf(const void *key, TrackImportRoom &room) {
-    TrackImportRoom::KnownKey &known = room.known_keys[reinterpret_cast<uintptr_t>(key) / 16 % room.known_keys.size()];
+    TrackImportRoom::KnownKey &known =
+        room.known_keys[reinterpret_cast<uintptr_t>(key) / 16 % room.known_keys.size()];
     if (known.key != key) {
         const auto text = PlistText(key, 0, room.text);
         known = {key, text ? FindTrackKey(*text) : std::nullopt};
@@ -79,7 +80,8 @@ void KeepListExtension(DriverPath *path) {
 }
 
 DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
-    DriverPath *path = CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
+    DriverPath *path =
+        CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
     AddAttribute(path, "id", id);
     AddVelmarArrayItem(driver->tracks, path);
     IndexNewTracks(driver);

@@ -23,8 +23,8 @@ struct TrackImportRoom {
     std::string text;
 };
 
-// Makes a path for every track of the library's source and puts it into `tracks`, then finds the add folder, whose
-// result it gives. -1 when there is no usable source.
+// Makes a path for every track of the library's source and puts it into `tracks`, then finds the add folder,
+// whose result it gives. -1 when there is no usable source.
 int32_t LoadTracks(LibraryDriver *driver);
 
 // Makes a track of the XML file: `id` and the attributes of its entry, which may be of any type.
@@ -33,7 +33,8 @@ DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, 
 // Turns the source record of a new track path into attributes. 0, or -1 when it has none.
 int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room);
 
-// The text of one row of TrackKeyTable for a track of the .itl file; empty for a row that such a track does not have.
+// The text of one row of TrackKeyTable for a track of the .itl file; empty for a row that such a track does
+// not have.
 std::optional<std::string> TrackFieldText(const Track &track, size_t index, int32_t flags);
 
 #endif

@@ -8,8 +8,8 @@ constexpr size_t kLengthFactor = 1;
 constexpr size_t kFirstFactor = 2;
 constexpr size_t kMiddleFactor = 19;
 
-// Every key of every track is looked up, so each of the table's keys has a slot of its own, by its length and three of
-// its letters.
+// Every key of every track is looked up, so each of the table's keys has a slot of its own, by its length and
+// three of its letters.
 constexpr size_t SlotOf(std::string_view key) {
     const auto letter = [key](size_t at) { return static_cast<size_t>(static_cast<unsigned char>(key[at])); };
     return (key.size() * kLengthFactor + letter(0) * kFirstFactor + letter(key.size() / 2) * kMiddleFactor +
@@ -20,7 +20,8 @@ constexpr size_t SlotOf(std::string_view key) {
 constexpr std::array<uint8_t, kSlotCount> MakeSlots() {
     std::array<uint8_t, kSlotCount> slots = {};
     slots.fill(kFreeSlot);
-    for (size_t row = 0; row < kTrackKeyCount; ++row) slots[SlotOf(TrackKeyTable[row].xml_key)] = static_cast<uint8_t>(row);
+    for (size_t row = 0; row < kTrackKeyCount; ++row)
+        slots[SlotOf(TrackKeyTable[row].xml_key)] = static_cast<uint8_t>(row);
     return slots;
 }
 

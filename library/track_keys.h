@@ -9,7 +9,8 @@
 
 #include "content/plist_values.h"
 
-// How a track's entry in the library becomes attributes: one row for each key, in the order of the attributes.
+// How a track's entry in the library becomes attributes: one row for each key, in the order of the
+// attributes.
 struct TrackKey {
     const char *xml_key;
     const char *attribute;

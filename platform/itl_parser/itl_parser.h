@@ -33,7 +33,8 @@ struct Playlist {
     std::vector<int32_t> items;  // track ids, in list order
 };
 
-// Reads "iTunes Library.itl", the library file that is left when no XML file can be read. Owns what it gives out.
+// Reads "iTunes Library.itl", the library file that is left when no XML file can be read. Owns what it gives
+// out.
 class ITLParser {
   public:
     // `path` is UTF-8. A bad file shows only in isValid.

@@ -23,7 +23,7 @@ constexpr size_t kStep = alignof(std::max_align_t);
 constexpr size_t kLargestPiece = 4096;
 
 struct SlabDeleter {
-    void operator()(std::byte *slab) const { ::operator delete(slab, std::align_val_t{kSlabBytes}); }
+    void operator()(std::byte *slab) const { ::operator delete (slab, std::align_val_t{kSlabBytes}); }
 };
 
 // A returned piece waits in the list of its size for the next taker.
@@ -65,7 +65,8 @@ class Pool {
     }
 
     void AddSlab() {
-        slabs_.emplace_back(static_cast<std::byte *>(::operator new(kSlabBytes, std::align_val_t{kSlabBytes})));
+        slabs_.emplace_back(
+            static_cast<std::byte *>(::operator new (kSlabBytes, std::align_val_t{kSlabBytes})));
         // Small pages do as well, if there are no large ones.
         madvise(slabs_.back().get(), kSlabBytes, MADV_HUGEPAGE);
         room_ = kSlabBytes;
@@ -84,7 +85,9 @@ Pool &ThePool() {
     return pool;
 }
 
-constexpr bool IsPooled(size_t bytes) { return kPooled && bytes <= kLargestPiece; }
+constexpr bool IsPooled(size_t bytes) {
+    return kPooled && bytes <= kLargestPiece;
+}
 
 }  // namespace
 

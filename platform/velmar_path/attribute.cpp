@@ -44,7 +44,8 @@ static_assert(sizeof(Item) == 8);
 constexpr size_t kLongestText = size_t{1} << 30;
 constexpr uint32_t kKeyBytesMask = 0x7FFFFFFF;
 
-// Items, one behind the other. Blocks never move, so a value that a caller has found stays valid while items are added.
+// Items, one behind the other. Blocks never move, so a value that a caller has found stays valid while items
+// are added.
 struct Block {
     Block *next = nullptr;
     size_t size = 0;  // bytes of the whole block
@@ -69,12 +70,15 @@ Block *NewBlock(size_t usual, size_t least) {
 // One bit of 64 for a key: a bit that no stored key has set tells an absent key without a look at the items.
 uint64_t KeyBit(std::string_view key) {
     uint32_t hash = static_cast<uint32_t>(key.size());
-    for (const char letter : key) hash = hash * 31 + static_cast<unsigned char>(letter);
+    for (const char letter : key)
+        hash = hash * 31 + static_cast<unsigned char>(letter);
     return uint64_t{1} << ((hash ^ (hash >> 6)) & 63);
 }
 
 // The least room in which a value can later give way to the address of a longer one.
-size_t RoomFor(std::string_view value) { return std::max(value.size() + 1, sizeof(char *)); }
+size_t RoomFor(std::string_view value) {
+    return std::max(value.size() + 1, sizeof(char *));
+}
 
 void Store(char *place, std::string_view text) {
     // The text may be the one that stands there, or a piece of it.
@@ -123,7 +127,8 @@ struct VelmarAttribute : Pooled {
         const size_t room = RoomFor(value);
         const size_t bytes = Item::RoundUp(sizeof(Item) + room + key.size() + 1);
         if (last == nullptr || last->Left() < bytes) AddBlock(bytes);
-        Item *item = new (last->End()) Item{static_cast<uint32_t>(room), static_cast<uint32_t>(key.size()) & kKeyBytesMask, 0};
+        Item *item = new (last->End())
+            Item{static_cast<uint32_t>(room), static_cast<uint32_t>(key.size()) & kKeyBytesMask, 0};
         Store(item->Room(), value);
         Store(item->Room() + room, key);
         last->used += bytes;
@@ -215,9 +220,12 @@ int32_t FreeVelmarAttribute(VelmarAttribute *attribute) {
     return 0;
 }
 
-int32_t GetVelmarAttributeSize(VelmarAttribute *attribute) { return attribute == nullptr ? 0 : attribute->count; }
+int32_t GetVelmarAttributeSize(VelmarAttribute *attribute) {
+    return attribute == nullptr ? 0 : attribute->count;
+}
 
-int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t index, const char **key, const char **value) {
+int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t index, const char **key,
+                               const char **value) {
     if (index < 0 || index >= GetVelmarAttributeSize(attribute)) return -1;
     Item *item = attribute->ItemAt(index);
     if (key != nullptr) *key = item->Key().data();

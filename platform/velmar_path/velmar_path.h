@@ -1,11 +1,11 @@
 /* The host's container library: arrays of words, attribute containers and the log.
  *
- * The driver keeps the children, names and attributes of its nodes in these containers, because the host reads
- * them through this library. Every text is a NUL-terminated UTF-8 string. No operation takes a lock: one container
- * is used by one thread at a time.
+ * The driver keeps the children, names and attributes of its nodes in these containers, because the host
+ * reads them through this library. Every text is a NUL-terminated UTF-8 string. No operation takes a lock:
+ * one container is used by one thread at a time.
  *
- * Unless an operation says otherwise its result is 0 on success and negative on failure, and a null handle is a
- * failure that changes nothing. */
+ * Unless an operation says otherwise its result is 0 on success and negative on failure, and a null handle is
+ * a failure that changes nothing. */
 #ifndef PLATFORM_VELMAR_PATH_VELMAR_PATH_H
 #define PLATFORM_VELMAR_PATH_VELMAR_PATH_H
 
@@ -39,8 +39,9 @@ VELMAR_API int32_t AllocVelmarAttribute(VelmarAttribute **attribute);
 VELMAR_API int32_t AddVelmarAttributeItem(VelmarAttribute *attribute, const char *key, const char *value);
 /* Replaces the value of the first item with this key by a copy, or appends an item. */
 VELMAR_API int32_t SetVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char *value);
-/* Writes the value of the first item with this key. The text stays the container's and is valid until the value is
- * replaced or the container released. An absent key gives a negative result and leaves `value` untouched. */
+/* Writes the value of the first item with this key. The text stays the container's and is valid until the
+ * value is replaced or the container released. An absent key gives a negative result and leaves `value`
+ * untouched. */
 VELMAR_API int32_t FindVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char **value);
 VELMAR_API int32_t FreeVelmarAttribute(VelmarAttribute *attribute);
 
@@ -56,7 +57,8 @@ VELMAR_API int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t in
                                           const char **value);
 
 typedef void (*VelmarLogHandler)(const char *line, void *context);
-/* Sends all later lines to `handler`, which may be called on any thread that logs; null restores standard error. */
+/* Sends all later lines to `handler`, which may be called on any thread that logs; null restores standard
+ * error. */
 VELMAR_API void SetVelmarLogHandler(VelmarLogHandler handler, void *context);
 
 #ifdef __cplusplus

@@ -62,13 +62,12 @@ int OpenOrCreate(const SpelledPath &spelled, int flags) {
     return OpenNative(ResolveSpelling(spelled), flags);
 }
 
-// Folders and pipes are no files to a program that opens them.
-bool IsReadableAsFile(int descriptor) {
+// Folders, pipes and devices are no files to a program that opens them: a device may have no end.
+bool IsPlainFile(int descriptor) {
     struct stat status;
     if (fstat(descriptor, &status) != 0) return false;
-    if (S_ISREG(status.st_mode)) return true;
     errno = EACCES;
-    return S_ISCHR(status.st_mode) && fcntl(descriptor, F_SETFL, 0) == 0;
+    return S_ISREG(status.st_mode);
 }
 
 FILE *Fail(int error_number) {
@@ -86,7 +85,7 @@ FILE *_wfopen(const wchar_t *path, const wchar_t *mode_text) {
     const bool creates = (mode->flags & O_CREAT) != 0;
     if (creates && !IsWindowsFileName(FileNameOf(spelled.text))) return Fail(EINVAL);
     FileDescriptor file(OpenOrCreate(spelled, mode->flags));
-    if (!file || !IsReadableAsFile(file.get())) return Fail(errno);
+    if (!file || !IsPlainFile(file.get())) return Fail(errno);
     FILE *const stream = fdopen(file.get(), mode->stdio_mode.c_str());
     if (stream == nullptr) return Fail(errno);
     file.Release();

@@ -112,7 +112,8 @@ class ShiftCache {
         days_.assign(kKnownDays, {});
     }
 
-    // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside each other.
+    // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside
+    // each other.
     struct Day {
         int64_t key = -1;
         std::optional<Shift> shift;

@@ -40,7 +40,8 @@ TEST(PlistValueText, GivesEachTypeItsText) {
     EXPECT_EQ(TextOf("<true/>"), "true");
     EXPECT_EQ(TextOf("<false/>"), "false");
     EXPECT_EQ(TextOf("<data>AAEC/w==</data>"), "AAEC/w==");
-    EXPECT_EQ(TextOf("<data></data>"), "") << "data without bytes has a text, unlike a string without letters";
+    EXPECT_EQ(TextOf("<data></data>"), "")
+        << "data without bytes has a text, unlike a string without letters";
 }
 
 TEST(PlistValueText, AnyOtherTypeIsLoggedAndHasNoText) {
@@ -90,7 +91,9 @@ TEST(LocationUrlToPath, DecodesUrlsByteByByte) {
     EXPECT_EQ(LocationUrlToPath("a%4"), "a");
     EXPECT_EQ(LocationUrlToPath("a%zzb"), "a") << "a byte 0 ends the text for every reader";
     EXPECT_EQ(LocationUrlToPath("a%00b"), "a");
-    EXPECT_EQ(LocationUrlToPath("a%4zb"), "a\x04" "b");
+    EXPECT_EQ(LocationUrlToPath("a%4zb"),
+              "a\x04"
+              "b");
     EXPECT_EQ(LocationUrlToPath(""), "");
 }
 
@@ -99,7 +102,8 @@ TEST(WritePropertyListFile, SaysWhenTheFileCannotBeOpened) {
     const CFOwner list = Parse("<string>x</string>");
     EXPECT_EQ(WritePropertyListFile(folder.path() / "no folder" / "list.plist", list.get(), 100), -2);
     const std::string path = folder.path() / "list.plist";
-    for (const CFPropertyListFormat format : {kCFPropertyListXMLFormat_v1_0, kCFPropertyListBinaryFormat_v1_0}) {
+    for (const CFPropertyListFormat format :
+         {kCFPropertyListXMLFormat_v1_0, kCFPropertyListBinaryFormat_v1_0}) {
         ASSERT_EQ(WritePropertyListFile(path, list.get(), format), 0);
         EXPECT_EQ(PlistValueText(ReadPropertyListFile(path).get(), "k", 0), "x");
     }

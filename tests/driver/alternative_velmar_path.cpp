@@ -1,5 +1,5 @@
-// Another host's container library: it keeps the promises of the twelve operations and not one more. Handles are
-// numbers, results that nobody may read are odd, and texts move at every change of their container.
+// Another host's container library: it keeps the promises of the twelve operations and not one more. Handles
+// are numbers, results that nobody may read are odd, and texts move at every change of their container.
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -97,7 +97,9 @@ int32_t AddVelmarArrayItem(VelmarArray *array, void *item) {
     return kUnreadResult;
 }
 
-int32_t GetVelmarArraySize(VelmarArray *array) { return static_cast<int32_t>(arrays.At(array).size()); }
+int32_t GetVelmarArraySize(VelmarArray *array) {
+    return static_cast<int32_t>(arrays.At(array).size());
+}
 
 int32_t GetVelmarArrayItem(VelmarArray *array, int32_t index, void **item) {
     const std::vector<void *> &items = arrays.At(array);
@@ -160,7 +162,8 @@ int32_t GetVelmarAttributeSize(VelmarAttribute *attribute) {
     return static_cast<int32_t>(attributes.At(attribute).items.size());
 }
 
-int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t index, const char **key, const char **value) {
+int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t index, const char **key,
+                               const char **value) {
     const Attributes::Item &item = attributes.At(attribute).items.at(static_cast<size_t>(index));
     *key = item.key.c_str();
     *value = item.value.get();

@@ -7,12 +7,12 @@
 _Static_assert(sizeof(CopyProgress) == 32, "eight 32-bit words");
 _Static_assert(sizeof(DriverStartupRecord) == 16, "four 32-bit words");
 
-#define CHECK(condition)                                                  \
-    do {                                                                  \
-        if (!(condition)) {                                               \
+#define CHECK(condition)                                                     \
+    do {                                                                     \
+        if (!(condition)) {                                                  \
             fprintf(stderr, "line %d: %s is false\n", __LINE__, #condition); \
-            return 1;                                                     \
-        }                                                                 \
+            return 1;                                                        \
+        }                                                                    \
     } while (0)
 
 int main(void) {

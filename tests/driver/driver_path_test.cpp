@@ -63,7 +63,8 @@ TEST(ReleaseDriverPath, ATrackInThreeListsGoesWithTheThird) {
 TEST(ReleaseDriverPath, TakesListsNestedToAnyDepth) {
     BareTree tree;
     DriverPath *list = GetPlaylistRoot(&tree.driver);
-    for (int depth = 0; depth < 300000; ++depth) list = tree.AddList(list, "x", "");
+    for (int depth = 0; depth < 300000; ++depth)
+        list = tree.AddList(list, "x", "");
     SUCCEED() << "the end of the tree must not run out of stack";
 }
 

@@ -21,7 +21,8 @@ constexpr int64_t kFar = std::numeric_limits<int64_t>::max();
 class ThumbnailStream : public testing::Test {
   protected:
     void SetUp() override {
-        for (int i = 0; i < 2000; ++i) bytes_ += static_cast<char>('a' + i % 23);
+        for (int i = 0; i < 2000; ++i)
+            bytes_ += static_cast<char>('a' + i % 23);
         DriverPath *thumbnail = CreateDriverPath(&tree_.driver, node_kind::kFile, 4, 44);
         AddAttribute(thumbnail, "location", folder_.Write("cache.itc", bytes_).c_str());
         AddAttribute(thumbnail, "st_size", "500");
@@ -147,9 +148,10 @@ TEST_F(FetchedStream, AFolderComesAsAnArchiveThatIsBuiltAnew) {
 
 TEST_F(FetchedStream, AFolderOrADeviceIsNoFileToStream) {
     AddNode("folder", folder_.path().string());
+    AddNode("endless", "/dev/zero");
     AddNode("nowhere", "");
     DriverStream *stream = nullptr;
-    for (const char *path : {"library/folder", "library/nowhere"}) {
+    for (const char *path : {"library/folder", "library/endless", "library/nowhere"}) {
         EXPECT_EQ(OpenDriverStream(&tree_.driver, 0, path, &stream), -1) << path;
     }
 }

@@ -50,7 +50,8 @@ int32_t CloseFromCall(const DriverStartupRecord *, void *context) {
 
 bool WaitForCall(const Calls &calls) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (calls.count == 0 && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(milliseconds(5));
+    while (calls.count == 0 && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(milliseconds(5));
     return calls.count != 0;
 }
 
@@ -92,7 +93,8 @@ TEST_F(Exports, TheTreeHasItsFixedShape) {
 
     const OpenedPath library(driver_, "library");
     EXPECT_THAT(library.Numbers(), ElementsAre(1, 1, 1));
-    EXPECT_THAT(library.Names(), testing::IsSupersetOf({"music", "movie", "tvshow", "podcast", "book", "Purchased"}));
+    EXPECT_THAT(library.Names(),
+                testing::IsSupersetOf({"music", "movie", "tvshow", "podcast", "book", "Purchased"}));
     EXPECT_THAT(OpenedPath(driver_, "library/music").Numbers(), ElementsAre(1, 2, 20));
     EXPECT_THAT(OpenedPath(driver_, "library/movie").Numbers(), ElementsAre(1, 3, 30));
     EXPECT_THAT(OpenedPath(driver_, "library/tvshow").Numbers(), ElementsAre(1, 3, 31));
@@ -102,7 +104,8 @@ TEST_F(Exports, TheTreeHasItsFixedShape) {
     EXPECT_THAT(OpenedPath(driver_, "playlist/iTunes DJ").Numbers(), ElementsAre(1, 1, 13));
     EXPECT_THAT(OpenedPath(driver_, "playlist/Recently Added").Numbers(), ElementsAre(1, 1, 3));
     EXPECT_THAT(OpenedPath(driver_, "playlist/Rain & Sun").Numbers(), ElementsAre(1, 1, 4));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Rain & Sun").Names(), ElementsAre("101.mp3", "103.mp3", "102.mp3"));
+    EXPECT_THAT(OpenedPath(driver_, "playlist/Rain & Sun").Names(),
+                ElementsAre("101.mp3", "103.mp3", "102.mp3"));
     // A folder shows its own items and the lists inside it, which have none.
     EXPECT_THAT(OpenedPath(driver_, "playlist/Road Trip").Names(),
                 ElementsAre("101.mp3", "102.mp3", "104.m4a", "Day One", "Evenings"));
@@ -113,8 +116,8 @@ TEST_F(Exports, TheTreeHasItsFixedShape) {
 }
 
 TEST_F(Exports, PathTextsAreWalkedExactly) {
-    for (const char *nowhere : {"Library", "library//music", "/library", "library/musi", "library/music2", "thumb",
-                                "library/music/101.mp3/thumb/small"}) {
+    for (const char *nowhere : {"Library", "library//music", "/library", "library/musi", "library/music2",
+                                "thumb", "library/music/101.mp3/thumb/small"}) {
         auto *path = reinterpret_cast<DriverPath *>(this);
         EXPECT_EQ(OpenDriverPath(driver_, 5, nowhere, &path), -2) << nowhere;
         EXPECT_EQ(path, nullptr) << nowhere;
@@ -249,7 +252,8 @@ TEST_F(Exports, ALibraryWithoutAddFolderDoesNotLoad) {
     std::filesystem::remove_all(place_.add_folder);
     LibraryDriver *driver = nullptr;
     EXPECT_EQ(InitializeDriverPath(nullptr, nullptr, 0, &driver), -1);
-    EXPECT_TRUE(log_.Has("[iTunes] Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder"));
+    EXPECT_TRUE(
+        log_.Has("[iTunes] Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder"));
 }
 
 TEST_F(Exports, LogLinesAreCutAt511BytesAndTakeNoFormatFromTheirText) {

@@ -60,7 +60,8 @@ class OpenedPath {
     }
     std::optional<std::string> Attribute(const char *key) const {
         const char *value = nullptr;
-        if (path_ == nullptr || FindVelmarAttributeValue(Info().attributes, key, &value) != 0) return std::nullopt;
+        if (path_ == nullptr || FindVelmarAttributeValue(Info().attributes, key, &value) != 0)
+            return std::nullopt;
         return value;
     }
 

@@ -40,7 +40,8 @@ TEST(FindPathByPersistentId, AgreesWithAWalkWhileAnyTreeGrows) {
                                         GetPlaylistRoot(&tree.driver)};
         std::vector<DriverPath *> holders = lists;  // not those below a track, which could end in a circle
         std::vector<DriverPath *> tracks;
-        for (int i = 0; i < 30; ++i) tracks.push_back(tree.AddTrack(std::to_string(i), random() % 3 ? some_id() : ""));
+        for (int i = 0; i < 30; ++i)
+            tracks.push_back(tree.AddTrack(std::to_string(i), random() % 3 ? some_id() : ""));
         for (int step = 0; step < 150; ++step) {
             DriverPath *parent = lists[random() % lists.size()];
             const auto action = random() % 10;
@@ -68,7 +69,8 @@ TEST(FindCategoryRoot, TheLastChildWithTheNumbersWins) {
     std::mt19937 random(3);
     BareTree tree;
     for (int step = 0; step < 60; ++step) {
-        CreateCategoryPath(&tree.driver, "root", 1, static_cast<int32_t>(random() % 4), static_cast<int32_t>(random() % 4));
+        CreateCategoryPath(&tree.driver, "root", 1, static_cast<int32_t>(random() % 4),
+                           static_cast<int32_t>(random() % 4));
         for (int32_t category = 0; category < 4; ++category) {
             for (int32_t subcategory = 0; subcategory < 5; ++subcategory) {
                 ASSERT_EQ(FindCategoryRoot(&tree.driver, category, subcategory),

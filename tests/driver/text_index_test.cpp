@@ -13,7 +13,8 @@ TEST(TextIndex, KeepsTheFirstPositionEvenWhenEveryHashCollides) {
         TextIndex index;
         const auto hash = [=](const std::string &text) { return collide ? 7u : HashOf(text); };
         for (uint32_t i = 0; i < texts.size(); ++i) {
-            const bool first = index.Add(hash(texts[i]), i, [&](uint32_t at) { return texts[at] == texts[i]; });
+            const bool first =
+                index.Add(hash(texts[i]), i, [&](uint32_t at) { return texts[at] == texts[i]; });
             EXPECT_EQ(first, i != 2 && i != 4);
         }
         const auto find = [&](const std::string &text) {

@@ -13,14 +13,16 @@ struct BareTree {
     BareTree() {
         AllocVelmarArray(&driver.tracks);
         driver.root = CreateDriverPath(&driver, node_kind::kRoot, 0, 0);
-        for (const char *name : {"library", "genius", "playlist"}) AddList(driver.root, name, "");
+        for (const char *name : {"library", "genius", "playlist"})
+            AddList(driver.root, name, "");
     }
     ~BareTree() { DestroyLibrary(&driver); }
     BareTree(const BareTree &) = delete;
     BareTree &operator=(const BareTree &) = delete;
 
     DriverPath *AddList(DriverPath *parent, const std::string &name, const std::string &persistent_id) {
-        DriverPath *list = CreateDriverPath(&driver, node_kind::kFolder, node_category::kList, node_subcategory::kPlaylist);
+        DriverPath *list =
+            CreateDriverPath(&driver, node_kind::kFolder, node_category::kList, node_subcategory::kPlaylist);
         if (!persistent_id.empty()) AddAttribute(list, "persistent_id", persistent_id.c_str());
         AppendChild(parent, name.c_str(), list);
         return list;

@@ -43,7 +43,8 @@ class AddFolder : public testing::Test {
 };
 
 TEST_F(AddFolder, IsToldByItsNameAlone) {
-    for (const char *other : {"iTunes_1234", "Add to itunes folder", "Music", "iTunes"}) MakeFolder(other);
+    for (const char *other : {"iTunes_1234", "Add to itunes folder", "Music", "iTunes"})
+        MakeFolder(other);
     folder_.Write("Automatically Add to iTunes file", "");
     EXPECT_EQ(Find(), -1);
     EXPECT_EQ(log_.Last(), "Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder");
@@ -84,7 +85,8 @@ TEST_F(AddFolder, SeveralAreMergedIntoTheYoungestAndNothingIsLost) {
     ASSERT_EQ(Find(), 0);
     EXPECT_EQ(driver_.add_folder, folder_.path().string() + "\\" + youngest);
     std::set<std::string> kept;
-    for (const auto &[name, bytes] : FilesIn(youngest)) kept.insert(bytes);
+    for (const auto &[name, bytes] : FilesIn(youngest))
+        kept.insert(bytes);
     EXPECT_EQ(kept, contents);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()), 1);
 }

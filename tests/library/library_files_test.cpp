@@ -115,7 +115,8 @@ TEST_F(LibraryFiles, TheFlagByteIsSetOnceAndOnlyInABlockThatReachesIt) {
         if (test.rewritten) {
             PreferenceFile flagged = preferences;
             flagged.flag_byte = 1;
-            const CFOwner expected = ReadPropertyListFile(flagged.WriteUnder(folder_.path() / "expected").string());
+            const CFOwner expected =
+                ReadPropertyListFile(flagged.WriteUnder(folder_.path() / "expected").string());
             EXPECT_TRUE(CFEqual(ReadPropertyListFile(path.string()).get(), expected.get()));
         }
         ASSERT_EQ(Load(), 0);
@@ -129,7 +130,8 @@ TEST_F(LibraryFiles, ABinaryPreferenceFileComesBackAsXml) {
     preferences.block_length = kShortestFlagged;
     preferences.flag_byte = 0;
     const std::string path = preferences.WriteUnder(folder_.path() / "AppData").string();
-    ASSERT_EQ(WritePropertyListFile(path, ReadPropertyListFile(path).get(), kCFPropertyListBinaryFormat_v1_0), 0);
+    ASSERT_EQ(WritePropertyListFile(path, ReadPropertyListFile(path).get(), kCFPropertyListBinaryFormat_v1_0),
+              0);
     ASSERT_TRUE(ReadWholeFile(path).starts_with("bplist00"));
     ASSERT_EQ(Load(), 0);
     EXPECT_TRUE(ReadWholeFile(path).starts_with("<?xml"));

@@ -39,7 +39,8 @@ class LoadedLibrary {
     std::vector<std::string> NamesUnder(const std::string &path) {
         std::vector<std::string> names;
         const DriverPath *node = At(path);
-        for (int32_t i = 0; node != nullptr && i < ChildCount(node); ++i) names.emplace_back(ChildNameAt(node, i));
+        for (int32_t i = 0; node != nullptr && i < ChildCount(node); ++i)
+            names.emplace_back(ChildNameAt(node, i));
         return names;
     }
 

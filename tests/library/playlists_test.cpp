@@ -11,7 +11,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-LibraryPlaylist List(const std::string &name, std::vector<std::int64_t> track_ids, const std::string &id = "") {
+LibraryPlaylist List(const std::string &name, std::vector<std::int64_t> track_ids,
+                     const std::string &id = "") {
     LibraryPlaylist list;
     list.name = name;
     list.track_ids = std::move(track_ids);
@@ -37,11 +38,13 @@ LibraryPlaylist Under(const std::string &parent, LibraryPlaylist list) {
 }
 
 void AddTracks(LibraryXml &xml, const std::vector<std::pair<std::string, std::string>> &locations) {
-    for (const auto &[id, location] : locations) xml.Track(id, TrackEntries(location));
+    for (const auto &[id, location] : locations)
+        xml.Track(id, TrackEntries(location));
 }
 
 std::vector<int32_t> Numbers(const DriverPath *path) {
-    return path == nullptr ? std::vector<int32_t>{} : std::vector<int32_t>{path->kind, path->category, path->subcategory};
+    return path == nullptr ? std::vector<int32_t>{}
+                           : std::vector<int32_t>{path->kind, path->category, path->subcategory};
 }
 
 TEST(LoadPlaylists, EveryKindHasItsPlaceAndItsNumbers) {
@@ -50,8 +53,8 @@ TEST(LoadPlaylists, EveryKindHasItsPlaceAndItsNumbers) {
             xml.Playlist(Kind(number, {}));
         }
     });
-    EXPECT_THAT(library.NamesUnder("library"), ElementsAre("movie", "tvshow", "music", "book", "podcast", "app",
-                                                           "of kind 19", "of kind 31"));
+    EXPECT_THAT(library.NamesUnder("library"), ElementsAre("movie", "tvshow", "music", "book", "podcast",
+                                                           "app", "of kind 19", "of kind 31"));
     EXPECT_THAT(library.NamesUnder("genius"), ElementsAre("of kind 26"));
     EXPECT_THAT(library.NamesUnder("playlist"), ElementsAre("of kind 22", "of kind 65", "of kind 200"));
     EXPECT_THAT(Numbers(library.At("library/app")), ElementsAre(1, 6, 60));
@@ -63,7 +66,8 @@ TEST(LoadPlaylists, EveryKindHasItsPlaceAndItsNumbers) {
 
 TEST(LoadPlaylists, SmartInfoGoesBeforeFolderAndTheKeyAloneCounts) {
     LoadedLibrary library([](LibraryXml &xml) {
-        xml.RawPlaylist({{"Name", XmlText("both")}, {"Folder", XmlFlag(true)}, {"Smart Info", XmlData("x", 2)}}, {});
+        xml.RawPlaylist(
+            {{"Name", XmlText("both")}, {"Folder", XmlFlag(true)}, {"Smart Info", XmlData("x", 2)}}, {});
         xml.RawPlaylist({{"Name", XmlText("false folder")}, {"Folder", XmlFlag(false)}}, {});
         xml.RawPlaylist({{"Name", XmlText("empty info")}, {"Smart Info", XmlData("", 2)}}, {});
     });
@@ -82,7 +86,8 @@ TEST(LoadPlaylists, TrackNamesTakeTheExtensionCutToFiveBytes) {
                         {"6", "file:///m/a."}});
         xml.Playlist(List("l", {1, 2, 3, 4, 5, 6, 99, 1}));
     });
-    EXPECT_THAT(library.NamesUnder("playlist/l"), ElementsAre("1.mp3", "2.mpeg", "3.fold", "4", "5", "6.", "1.mp3"));
+    EXPECT_THAT(library.NamesUnder("playlist/l"),
+                ElementsAre("1.mp3", "2.mpeg", "3.fold", "4", "5", "6.", "1.mp3"));
     const DriverPath *track = library.At("playlist/l/1.mp3");
     EXPECT_EQ(track->share_count, 2) << "a list may hold a track twice";
 }
@@ -101,7 +106,8 @@ TEST(LoadPlaylists, OddItemsAndListsArePassedOver) {
     });
     EXPECT_THAT(library.NamesUnder("playlist"), ElementsAre("odd", "no array", "twice", "twice"));
     EXPECT_THAT(library.NamesUnder("playlist/odd"), ElementsAre("2"));
-    EXPECT_THAT(library.NamesUnder("playlist/twice"), ElementsAre("1")) << "the earlier of two names is reached";
+    EXPECT_THAT(library.NamesUnder("playlist/twice"), ElementsAre("1"))
+        << "the earlier of two names is reached";
     // The list without a name holds its track, though no walk reaches it.
     EXPECT_EQ(FindTrackById(&library.driver, "1")->share_count, 2);
 }
@@ -140,7 +146,8 @@ class MasterMovies : public testing::TestWithParam<bool> {};
 TEST_P(MasterMovies, FilmsOfTheMasterListComeUnderMovieOnce) {
     const bool has_root = GetParam();
     LoadedLibrary library([&](LibraryXml &xml) {
-        for (const char *film : {"1", "2", "3"}) xml.Track(film, {{"Movie", XmlFlag(true)}});
+        for (const char *film : {"1", "2", "3"})
+            xml.Track(film, {{"Movie", XmlFlag(true)}});
         xml.Track("4", {{"TV Show", XmlFlag(true)}, {"Movie", XmlFlag(true)}});
         xml.Track("5", {{"Podcast", XmlFlag(true)}});
         xml.Track("6", {});
@@ -151,7 +158,8 @@ TEST_P(MasterMovies, FilmsOfTheMasterListComeUnderMovieOnce) {
     if (has_root) {
         EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("3", "1"));
     } else {
-        EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("1", "3")) << "the root is made when it is missing";
+        EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("1", "3"))
+            << "the root is made when it is missing";
     }
     EXPECT_THAT(Numbers(library.At("library/movie")), ElementsAre(1, 3, 30));
 }
@@ -160,7 +168,10 @@ INSTANTIATE_TEST_SUITE_P(RootOrNot, MasterMovies, testing::Bool());
 
 TEST(LoadPlaylists, BooksAndApplicationsTakeTheNumbersOfTheirList) {
     LoadedLibrary library([](LibraryXml &xml) {
-        AddTracks(xml, {{"1", "file:///C:/b/A.EPUB"}, {"2", "file:///C:/b/B.pdf"}, {"3", "file:///C:/b/c.txt"}, {"4", ""},
+        AddTracks(xml, {{"1", "file:///C:/b/A.EPUB"},
+                        {"2", "file:///C:/b/B.pdf"},
+                        {"3", "file:///C:/b/c.txt"},
+                        {"4", ""},
                         {"5", "file:///C:/a/Game.ipa"}});
         xml.Playlist(Kind(5, {1, 2, 3, 4}));
         xml.Playlist(Kind(18, {5}));

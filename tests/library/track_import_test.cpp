@@ -12,7 +12,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-DriverPath *TrackOf(LoadedLibrary &library, const std::string &id) { return FindTrackById(&library.driver, id); }
+DriverPath *TrackOf(LoadedLibrary &library, const std::string &id) {
+    return FindTrackById(&library.driver, id);
+}
 
 TEST(LoadTracks, ClassifiesByTheFirstFlagThatIsTrue) {
     const std::string yes = XmlFlag(true);
@@ -39,8 +41,11 @@ TEST(LoadTracks, ClassifiesByTheFirstFlagThatIsTrue) {
 TEST(LoadTracks, OddEntriesKeepWhatTheyHave) {
     LoadedLibrary library([](LibraryXml &xml) {
         xml.Track("", {{"Name", XmlText("no id, no track")}});
-        xml.Track("abc", {{"Name", XmlText("")}, {"Artist", "<array/>"}, {"Album", XmlText("kept")},
-                          {"Unknown", XmlText("x")}, {"Album", XmlText("the later value of a key counts")}});
+        xml.Track("abc", {{"Name", XmlText("")},
+                          {"Artist", "<array/>"},
+                          {"Album", XmlText("kept")},
+                          {"Unknown", XmlText("x")},
+                          {"Album", XmlText("the later value of a key counts")}});
     });
     EXPECT_EQ(GetVelmarArraySize(library.driver.tracks), 1);
     const DriverPath *track = TrackOf(library, "ABC");
@@ -55,8 +60,9 @@ TEST(LoadTracks, ATrackThatIsNoDictionaryHasItsIdAlone) {
     const TempFolder folder;
     std::filesystem::create_directories(folder.path() / "Automatically Add to iTunes");
     const auto load = [&](LibraryDriver &driver, const std::string &tracks) {
-        const auto file = folder.Write("list.xml", std::string(kPropertyListHead) + "<dict><key>Tracks</key>" + tracks +
-                                                       "</dict>" + std::string(kPropertyListTail));
+        const auto file =
+            folder.Write("list.xml", std::string(kPropertyListHead) + "<dict><key>Tracks</key>" + tracks +
+                                         "</dict>" + std::string(kPropertyListTail));
         driver.library_plist = ReadPropertyListFile(file.string());
         driver.add_folder = folder.path().string();
         return LoadTracks(&driver);
@@ -84,7 +90,8 @@ TEST(LoadTracks, WithoutAUsableSourceItFails) {
 }
 
 TEST(TrackKeys, AreFoundByTheirExactText) {
-    for (size_t row = 0; row < kTrackKeyCount; ++row) EXPECT_EQ(FindTrackKey(TrackKeyTable[row].xml_key), row);
+    for (size_t row = 0; row < kTrackKeyCount; ++row)
+        EXPECT_EQ(FindTrackKey(TrackKeyTable[row].xml_key), row);
     for (const char *other : {"", "name", "Track ID", "Artwork Count", "Names", "Nam", "Sort Name"}) {
         EXPECT_EQ(FindTrackKey(other), std::nullopt) << other;
     }

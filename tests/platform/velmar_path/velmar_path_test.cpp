@@ -24,13 +24,16 @@ Pairs PairsOf(VelmarAttribute *attribute) {
     return pairs;
 }
 
-void Collect(const char *line, void *context) { static_cast<std::vector<std::string> *>(context)->push_back(line); }
+void Collect(const char *line, void *context) {
+    static_cast<std::vector<std::string> *>(context)->push_back(line);
+}
 
 TEST(VelmarArray, KeepsOrderAndClosesTheGapOfADeletedItem) {
     VelmarArray *array = nullptr;
     ASSERT_EQ(AllocVelmarArray(&array), 0);
     int items[3] = {};
-    for (int &item : items) ASSERT_EQ(AddVelmarArrayItem(array, &item), 0);
+    for (int &item : items)
+        ASSERT_EQ(AddVelmarArrayItem(array, &item), 0);
     EXPECT_EQ(DeleteVelmarArrayItem(array, 1), 0);
     EXPECT_EQ(GetVelmarArraySize(array), 2);
     void *item = nullptr;
@@ -73,7 +76,8 @@ TEST(VelmarAttribute, AgreesWithAPlainListUnderRandomChanges) {
         const auto first = std::find_if(expected.begin(), expected.end(),
                                         [&](const auto &pair) { return pair.first == key; });
         const char *value = "untouched";
-        EXPECT_EQ(FindVelmarAttributeValue(attribute, key.c_str(), &value) == 0, first != expected.end()) << key;
+        EXPECT_EQ(FindVelmarAttributeValue(attribute, key.c_str(), &value) == 0, first != expected.end())
+            << key;
         EXPECT_EQ(value, first == expected.end() ? "untouched" : first->second) << key;
     }
     EXPECT_EQ(FreeVelmarAttribute(attribute), 0);
@@ -85,7 +89,8 @@ TEST(VelmarAttribute, FoundValueSurvivesLaterItems) {
     AddVelmarAttributeItem(attribute, "name", "Blue");
     const char *found = nullptr;
     ASSERT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
-    for (int i = 0; i < 1000; ++i) AddVelmarAttributeItem(attribute, std::to_string(i).c_str(), "x");
+    for (int i = 0; i < 1000; ++i)
+        AddVelmarAttributeItem(attribute, std::to_string(i).c_str(), "x");
     EXPECT_STREQ(found, "Blue");
     EXPECT_LT(FindVelmarAttributeValue(attribute, "nam", &found), 0);
     EXPECT_LT(FindVelmarAttributeValue(attribute, "names", &found), 0);
@@ -106,7 +111,8 @@ TEST(VelmarLog, PrintsTheForeignNumberFormatAndLongLines) {
 TEST(VelmarLog, HandlerMayChangeWhileAnotherThreadLogs) {
     std::vector<std::string> lines;
     std::thread writer([] {
-        for (int i = 0; i < 200; ++i) WriteVelmarLog("%d", i);
+        for (int i = 0; i < 200; ++i)
+            WriteVelmarLog("%d", i);
     });
     for (int i = 0; i < 200; ++i) {
         SetVelmarLogHandler([](const char *, void *) {}, nullptr);

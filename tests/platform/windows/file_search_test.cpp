@@ -145,7 +145,7 @@ TEST(MatchesPattern, AgreesWithItsDefinition) {
     for (const std::wstring &pattern : Texts(4, L"a*?.")) {
         for (const std::wstring &name : names) {
             ASSERT_EQ(MatchesPattern(pattern, name), Fits(pattern, name))
-                << Utf8FromWide(pattern + L" " + name);
+                << Utf8FromWide(pattern) << " on " << Utf8FromWide(name);
         }
     }
 }

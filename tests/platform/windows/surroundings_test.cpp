@@ -79,7 +79,7 @@ TEST_F(MusicFolder, FailsWhereThereIsNoRoomOrNoSuchFolder) {
 }
 
 TEST(DynamicLibrary, LoadsByNameAndByPath) {
-    const HMODULE library = LoadLibraryW(L"libm.so.6");
+    HMODULE library = LoadLibraryW(L"libm.so.6");
     ASSERT_NE(library, nullptr);
     const auto cosine = reinterpret_cast<double (*)(double)>(GetProcAddress(library, "cos"));
     ASSERT_NE(cosine, nullptr);
