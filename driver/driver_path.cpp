@@ -48,16 +48,20 @@ int32_t FindName(DriverPath *path, std::string_view name) {
     return -1;
 }
 
-// Frees everything that belongs to one node alone.
-void FreeNode(DriverPath *path) {
-    for (int32_t i = GetVelmarArraySize(path->names) - 1; i >= 0; --i) {
+void FreeNames(VelmarArray *names) {
+    for (int32_t i = GetVelmarArraySize(names) - 1; i >= 0; --i) {
         void *name = nullptr;
-        GetVelmarArrayItem(path->names, i, &name);
+        GetVelmarArrayItem(names, i, &name);
         std::free(name);
     }
-    FreeVelmarArray(path->names);
-    FreeVelmarAttribute(path->attributes);
-    FreeVelmarArray(path->children);
+    FreeVelmarArray(names);
+}
+
+// Frees everything that belongs to one node alone. A host library need not take null.
+void FreeNode(DriverPath *path) {
+    if (path->names != nullptr) FreeNames(path->names);
+    if (path->attributes != nullptr) FreeVelmarAttribute(path->attributes);
+    if (path->children != nullptr) FreeVelmarArray(path->children);
     std::free(path->open_path);
     delete path;
 }

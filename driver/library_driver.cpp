@@ -80,11 +80,11 @@ int32_t CreateLibrary(LibraryDriver *driver) {
 void DestroyLibrary(LibraryDriver *driver) {
     driver->library_plist.reset();
     driver->parser.reset();
-    ReleaseLooseTracks(driver);
+    if (driver->tracks != nullptr) ReleaseLooseTracks(driver);
     ReleaseDriverPath(driver->root);
     for (DriverPath *list : driver->unnamed_lists)
         ReleaseDriverPath(list);
-    FreeVelmarArray(driver->tracks);
+    if (driver->tracks != nullptr) FreeVelmarArray(driver->tracks);
     driver->root = nullptr;
     driver->tracks = nullptr;
     driver->unnamed_lists.clear();

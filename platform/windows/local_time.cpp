@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -16,7 +15,12 @@
 // zone file again at each call. Here mktime is asked for midnights only. Where it shifts four midnights in a
 // row alike, the zone's rules do not change on the day between the second and the third, nor so near that an
 // hour of that day could be skipped, come twice, or be read with another day's rules; so every second of it
-// is shifted alike as well. Every other day, and every time outside the range below, goes to mktime itself.
+// is shifted alike as well.
+//
+// One thing more can part two times of a day. A time that is given as standard time, as all of ours are, and
+// falls into the summer is read by the clock of the nearest standard time, for which mktime looks in strides
+// of about a week. Such a day counts only if there is one clock alone to be found. Every other day, and every
+// time outside the range below, goes to mktime itself.
 
 namespace {
 
@@ -77,10 +81,9 @@ struct Shift {
 };
 
 // Empty if mktime refuses the time.
-std::optional<Shift> AskMktime(int64_t wall_seconds, int is_dst) {
+std::optional<Shift> AskMktime(int64_t wall_seconds) {
     std::tm fields = {};
     SetFields(fields, wall_seconds);
-    fields.tm_isdst = is_dst;
     const int64_t moment = std::mktime(&fields);
     const std::optional<int64_t> wall = WallSeconds(fields);
     if (moment < 0 || !wall) return std::nullopt;
@@ -90,13 +93,12 @@ std::optional<Shift> AskMktime(int64_t wall_seconds, int is_dst) {
 
 class ShiftCache {
   public:
-    // The shift of every time of a day; empty if mktime has to say for each. `is_dst` is -1, 0 or 1.
-    std::optional<Shift> OfDay(int64_t day, int is_dst) {
+    // The shift of every time of a day; empty if mktime has to say for each.
+    std::optional<Shift> OfDay(int64_t day) {
         const std::lock_guard lock(mutex_);
         ForgetIfStale();
-        const int64_t key = KeyOf(day, is_dst);
-        Day &known = days_[static_cast<size_t>(key) % kKnownDays];
-        if (known.key != key) known = {key, Agreed(day, is_dst)};
+        Day &known = days_[static_cast<size_t>(day) % kKnownDays];
+        if (known.day != day) known = {day, Agreed(day)};
         return known.shift;
     }
 
@@ -109,31 +111,63 @@ class ShiftCache {
         zone_ = zone == nullptr ? std::nullopt : std::optional<std::string>(zone);
         end_ = now + kLifetime;
         midnights_.clear();
+        one_clock_.clear();
         days_.assign(kKnownDays, {});
     }
 
     // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside
     // each other.
     struct Day {
-        int64_t key = -1;
+        int64_t day = -1;
         std::optional<Shift> shift;
     };
-    static constexpr size_t kKnownDays = 8192 * 3;
+    static constexpr size_t kKnownDays = 8192;
 
-    static int64_t KeyOf(int64_t day, int is_dst) { return day * 3 + is_dst; }
+    // In days. A summer or winter, with a stride to spare, is shorter than twice kNear; kReach is more than
+    // what lies between one end of a block and the far end of what is near.
+    static constexpr int64_t kBlockDays = 32;
+    static constexpr int64_t kNear = 160;
+    static constexpr int64_t kReach = 224;
+    static constexpr int kStride = 8;
 
     // The shift of four midnights in a row, if it is the same.
-    std::optional<Shift> Agreed(int64_t day, int is_dst) {
-        const std::optional<Shift> &shift = OfMidnight(day, is_dst);
+    std::optional<Shift> Agreed(int64_t day) {
+        const std::optional<Shift> &shift = OfMidnight(day);
         for (const int64_t neighbour : {day - 1, day + 1, day + 2}) {
-            if (OfMidnight(neighbour, is_dst) != shift) return std::nullopt;
+            if (OfMidnight(neighbour) != shift) return std::nullopt;
         }
-        return shift;
+        const bool is_borrowed = shift && shift->is_dst != 0;
+        return is_borrowed && !HasOneClock(day / kBlockDays) ? std::nullopt : shift;
     }
 
-    const std::optional<Shift> &OfMidnight(int64_t day, int is_dst) {
-        const auto [place, added] = midnights_.try_emplace(KeyOf(day, is_dst));
-        if (added) place->second = AskMktime(day * kDaySeconds, is_dst);
+    // Whether there is but one clock that mktime can borrow on the days of a block: all midnights of standard
+    // time within kReach of it have one shift, and enough of them in a row are so near that no stride passes
+    // over them to a clock beyond the reach.
+    bool HasOneClock(int64_t block) {
+        const auto [place, added] = one_clock_.try_emplace(block);
+        if (added) place->second = FindsOneClock(block * kBlockDays);
+        return place->second;
+    }
+
+    bool FindsOneClock(int64_t first_day) {
+        const int64_t last_day = first_day + kBlockDays - 1;
+        std::optional<int64_t> clock;
+        int in_a_row = 0;
+        bool is_near = false;
+        for (int64_t day = first_day - kReach; day <= last_day + kReach; ++day) {
+            const std::optional<Shift> &shift = OfMidnight(day);
+            const bool is_standard = shift && shift->is_dst == 0;
+            if (is_standard && clock.value_or(shift->to_moment) != shift->to_moment) return false;
+            if (is_standard) clock = shift->to_moment;
+            in_a_row = is_standard && day >= first_day - kNear && day <= last_day + kNear ? in_a_row + 1 : 0;
+            is_near = is_near || in_a_row > kStride;
+        }
+        return is_near;
+    }
+
+    const std::optional<Shift> &OfMidnight(int64_t day) {
+        const auto [place, added] = midnights_.try_emplace(day);
+        if (added) place->second = AskMktime(day * kDaySeconds);
         return place->second;
     }
 
@@ -141,7 +175,8 @@ class ShiftCache {
     std::optional<std::string> zone_;
     std::chrono::steady_clock::time_point end_{};
     std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
-    std::vector<Day> days_;                                        // by the remainder of their keys
+    std::unordered_map<int64_t, bool> one_clock_;                  // by block
+    std::vector<Day> days_;                                        // by the remainder of their numbers
 };
 
 }  // namespace
@@ -149,8 +184,8 @@ class ShiftCache {
 int64_t _mktime64(std::tm *time) {
     static ShiftCache cache;
     const std::optional<int64_t> wall = WallSeconds(*time);
-    if (!wall) return ExactTime(*time);
-    const std::optional<Shift> shift = cache.OfDay(*wall / kDaySeconds, std::clamp(time->tm_isdst, -1, 1));
+    if (!wall || time->tm_isdst != 0) return ExactTime(*time);
+    const std::optional<Shift> shift = cache.OfDay(*wall / kDaySeconds);
     if (!shift) return ExactTime(*time);
     SetFields(*time, *wall + shift->to_wall);
     time->tm_isdst = shift->is_dst;

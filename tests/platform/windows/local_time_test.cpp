@@ -133,6 +133,18 @@ TEST(LocalTime, AgreesWithMktimeInZonesWithAHistory) {
     }
 }
 
+// A winter of one week, at half a year's distance, is met or passed over within one and the same day.
+TEST(LocalTime, AgreesWithMktimeWhereAClockIsBorrowedForAnHour) {
+    for (const char *zone : {"America/Cambridge_Bay", "Asia/Gaza", "Africa/Cairo", "Europe/Moscow"}) {
+        const ScopedEnvironment environment("TZ", zone);
+        SCOPED_TRACE(zone);
+        tzset();
+        for (int minutes = 0; minutes < 24 * 60 * 366; minutes += 20) {
+            ASSERT_TRUE(AgreesWithMktime(WallTime(2000, 1, 1, 0, minutes, 19, 0)));
+        }
+    }
+}
+
 TEST(LocalTime, GivesMinusOneBefore1970AndForZeroedRecords) {
     const ScopedEnvironment environment("TZ", "UTC0");
     std::tm zeroed = {};
