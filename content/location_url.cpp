@@ -1,5 +1,6 @@
 #include "content/location_url.h"
 
+#include <charconv>
 #include <cstdlib>
 
 namespace {
@@ -14,6 +15,10 @@ std::string_view WithoutPrefix(std::string_view url) {
 }
 
 char EscapedByte(std::string_view digits) {
+    unsigned byte = 0;
+    if (std::from_chars(digits.data(), digits.data() + 2, byte, 16).ptr == digits.data() + 2) {
+        return static_cast<char>(byte);
+    }
     // As strtoul reads them, so a blank or a sign in the place of the first digit is no fault.
     const char text[] = {digits[0], digits[1], '\0'};
     return static_cast<char>(std::strtoul(text, nullptr, 16) & 0xFF);

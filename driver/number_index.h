@@ -1,6 +1,7 @@
 #ifndef DRIVER_NUMBER_INDEX_H
 #define DRIVER_NUMBER_INDEX_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <vector>

@@ -43,8 +43,8 @@ void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
 }
 
 std::optional<size_t> RowOf(const void *key, TrackImportRoom &room) {
-    TrackImportRoom::KnownKey &known =
-        room.known_keys[reinterpret_cast<uintptr_t>(key) / 16 % room.known_keys.size()];
+    const uintptr_t place = reinterpret_cast<uintptr_t>(key) / 16;
+    TrackImportRoom::KnownKey &known = room.known_keys[(place ^ (place >> 8)) % room.known_keys.size()];
     if (known.key != key) {
         const auto text = PlistText(key, 0, room.text);
         known = {key, text ? FindTrackKey(*text) : std::nullopt};

@@ -17,7 +17,7 @@ struct TrackImportRoom {
         const void *key = nullptr;
         std::optional<size_t> row;
     };
-    std::array<KnownKey, 64> known_keys;
+    std::array<KnownKey, 256> known_keys;
     std::vector<const void *> keys;
     std::vector<const void *> values;
     std::string text;

@@ -1,15 +1,36 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <new>
-#include <vector>
+#include <cstdlib>
 
 #include "platform/memory/pool.h"
 #include "platform/velmar_path/velmar_path.h"
 
+// Grown by realloc, which moves a large array without touching its pages.
 struct VelmarArray : Pooled {
-    std::vector<void *> items;
+    void **items = nullptr;
+    int32_t count = 0;
+    int32_t room = 0;
 
-    bool Has(int32_t index) const { return index >= 0 && static_cast<size_t>(index) < items.size(); }
+    VelmarArray() = default;
+    ~VelmarArray() { std::free(items); }
+    VelmarArray(const VelmarArray &) = delete;
+    VelmarArray &operator=(const VelmarArray &) = delete;
+
+    bool Has(int32_t index) const { return index >= 0 && index < count; }
+
+    bool Grow() {
+        if (room > INT32_MAX / 2) return false;
+        const int32_t larger = room == 0 ? kFirstRoom : room * 2;
+        void *moved = std::realloc(items, static_cast<size_t>(larger) * sizeof(void *));
+        if (moved == nullptr) return false;
+        items = static_cast<void **>(moved);
+        room = larger;
+        return true;
+    }
+
+  private:
+    static constexpr int32_t kFirstRoom = 4;
 };
 
 int32_t AllocVelmarArray(VelmarArray **array) {
@@ -21,28 +42,25 @@ int32_t AllocVelmarArray(VelmarArray **array) {
 }
 
 int32_t AddVelmarArrayItem(VelmarArray *array, void *item) {
-    if (array == nullptr || array->items.size() >= INT32_MAX) return -1;
-    try {
-        array->items.push_back(item);
-    } catch (const std::bad_alloc &) {
-        return -1;
-    }
+    if (array == nullptr || (array->count == array->room && !array->Grow())) return -1;
+    array->items[array->count++] = item;
     return 0;
 }
 
 int32_t GetVelmarArraySize(VelmarArray *array) {
-    return array == nullptr ? 0 : static_cast<int32_t>(array->items.size());
+    return array == nullptr ? 0 : array->count;
 }
 
 int32_t GetVelmarArrayItem(VelmarArray *array, int32_t index, void **item) {
     if (array == nullptr || item == nullptr || !array->Has(index)) return -1;
-    *item = array->items[static_cast<size_t>(index)];
+    *item = array->items[index];
     return 0;
 }
 
 int32_t DeleteVelmarArrayItem(VelmarArray *array, int32_t index) {
     if (array == nullptr || !array->Has(index)) return -1;
-    array->items.erase(array->items.begin() + index);
+    std::copy(array->items + index + 1, array->items + array->count, array->items + index);
+    --array->count;
     return 0;
 }
 
