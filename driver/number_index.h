@@ -11,9 +11,9 @@ struct DriverPath;
 // Finds paths by a number that is theirs for good.
 class NumberIndex {
   public:
+    // Room for a first `count` numbers.
     void Reserve(size_t count) {
-        while (slots_.size() < count * 2)
-            Grow();
+        if (slots_.empty()) slots_.resize(std::bit_ceil(count * 2));
     }
 
     // The first path of a number stays.

@@ -26,9 +26,9 @@ bool EqualFolded(std::string_view one, std::string_view other);
 // what a position's text is today, the caller tells with `same`, so the array stays the one truth.
 class TextIndex {
   public:
+    // Room for a first `count` texts.
     void Reserve(size_t count) {
-        while (slots_.size() < count * 2)
-            Grow();
+        if (slots_.empty()) slots_.resize(std::bit_ceil(count * 2));
     }
 
     // Adds a position unless one with the same text is there: the first stays. `same(position)` tells that.

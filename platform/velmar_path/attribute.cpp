@@ -57,8 +57,9 @@ struct Block {
 };
 
 // A track has about 600 bytes of attributes, most lists have one item.
-constexpr size_t kBlockBytes = 256;
+constexpr size_t kFirstBlockBytes = 256;
 constexpr size_t kSecondBlockBytes = 448;
+constexpr size_t kFurtherBlockBytes = 160;
 
 Block *NewBlock(size_t usual, size_t least) {
     const size_t size = std::max(usual, sizeof(Block) + least);
@@ -137,7 +138,10 @@ struct VelmarAttribute : Pooled {
     }
 
     void AddBlock(size_t least) {
-        Block *block = NewBlock(first != nullptr && first == last ? kSecondBlockBytes : kBlockBytes, least);
+        const size_t usual = first == nullptr ? kFirstBlockBytes
+                             : first == last  ? kSecondBlockBytes
+                                              : kFurtherBlockBytes;
+        Block *block = NewBlock(usual, least);
         (last == nullptr ? first : last->next) = block;
         last = block;
     }
