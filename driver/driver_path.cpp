@@ -90,6 +90,36 @@ void LinkToParent(DriverPath *parent, DriverPath *child) {
     NoteAppendedChild(parent, child, !first_holder);
 }
 
+// A host may still read the names and attributes of a node that it has open; its children go at once.
+void DropNode(DriverPath *path) {
+    if (path->open_count == 0) {
+        FreeNode(path);
+        return;
+    }
+    path->parent = nullptr;
+    path->dropped = true;
+    path->owner->dropped_paths.insert(path);
+}
+
+// Hands every node of a subtree to `release`, but for those that other lists hold too, which lose one holder.
+// With a list of its own instead of recursion, as lists may be nested to any depth.
+void ReleaseSubtree(DriverPath *path, void (*release)(DriverPath *)) {
+    std::vector<DriverPath *> pending{path};
+    while (!pending.empty()) {
+        DriverPath *node = pending.back();
+        pending.pop_back();
+        if (node == nullptr) continue;
+        if (node->share_count >= 2) {
+            --node->share_count;
+            continue;
+        }
+        const int32_t count = ChildCount(node);
+        for (int32_t i = 0; i < count; ++i)
+            pending.push_back(ChildAt(node, i));
+        release(node);
+    }
+}
+
 // The distance to the top of the tree.
 int32_t DepthOf(const DriverPath *path) {
     int32_t depth = 0;
@@ -156,22 +186,23 @@ DriverPath *FindChild(DriverPath *path, std::string_view name) {
     return index < 0 ? nullptr : ChildAt(path, index);
 }
 
-// With a list of its own instead of recursion, as lists may be nested to any depth.
 void ReleaseDriverPath(DriverPath *path) {
-    std::vector<DriverPath *> pending{path};
-    while (!pending.empty()) {
-        DriverPath *node = pending.back();
-        pending.pop_back();
-        if (node == nullptr) continue;
-        if (node->share_count >= 2) {
-            --node->share_count;
-            continue;
-        }
-        const int32_t count = ChildCount(node);
-        for (int32_t i = 0; i < count; ++i)
-            pending.push_back(ChildAt(node, i));
-        FreeNode(node);
-    }
+    ReleaseSubtree(path, FreeNode);
+}
+
+void DropChild(DriverPath *parent, int32_t index) {
+    DriverPath *child = ChildAt(parent, index);
+    std::free(const_cast<char *>(ChildNameAt(parent, index)));
+    DeleteVelmarArrayItem(parent->names, index);
+    DeleteVelmarArrayItem(parent->children, index);
+    parent->child_index.reset();
+    NoteDroppedChild(parent);
+    ReleaseSubtree(child, DropNode);
+}
+
+void ReleaseDroppedPath(DriverPath *path) {
+    path->owner->dropped_paths.erase(path);
+    FreeNode(path);
 }
 
 bool ComesBefore(const DriverPath *first, const DriverPath *second) {

@@ -77,6 +77,7 @@ struct DriverPath : Pooled {
     uint32_t sequence = 0;
     // Of a track: the extension of `location` as it goes into the track's names in lists, dot included.
     char list_extension[kLongestListExtension + 1] = {};
+    bool dropped = false;  // taken out of the tree while a host had it open; goes with its last close
     // Children by name; only where there are many.
     std::unique_ptr<TextIndex> child_index;
 };
@@ -102,6 +103,13 @@ void IndexChildNames(DriverPath *path);
 // Releases a node with its subtree; a node that other lists hold too only loses one holder. Null is passed
 // over.
 void ReleaseDriverPath(DriverPath *path);
+
+// Takes the child at a position out of the tree, with its name, and releases its subtree. What the host has
+// open of it stays until the last close.
+void DropChild(DriverPath *parent, int32_t index);
+
+// Frees a dropped node that no host has open any longer.
+void ReleaseDroppedPath(DriverPath *path);
 
 // True when a depth-first walk from the root meets `first` before `second`; both hang in one tree.
 bool ComesBefore(const DriverPath *first, const DriverPath *second);

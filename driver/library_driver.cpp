@@ -84,6 +84,8 @@ void DestroyLibrary(LibraryDriver *driver) {
     ReleaseDriverPath(driver->root);
     for (DriverPath *list : driver->unnamed_lists)
         ReleaseDriverPath(list);
+    while (!driver->dropped_paths.empty())
+        ReleaseDroppedPath(*driver->dropped_paths.begin());
     if (driver->tracks != nullptr) FreeVelmarArray(driver->tracks);
     driver->root = nullptr;
     driver->tracks = nullptr;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "driver/driver_path.h"
@@ -39,6 +40,8 @@ struct LibraryDriver {
 
     // Lists without a name: they hold tracks, but no walk reaches them.
     std::vector<DriverPath *> unnamed_lists;
+    // Nodes that a rescan has dropped and a host has still open.
+    std::unordered_set<DriverPath *> dropped_paths;
     TreeIndex index;
     uint32_t next_sequence = 0;  // of DriverPath::sequence
     std::unique_ptr<StartupThread> startup_thread;

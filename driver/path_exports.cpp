@@ -47,6 +47,7 @@ int32_t Close(DriverPath *path) {
     if (--path->open_count == 0) {
         std::free(path->open_path);
         path->open_path = nullptr;
+        if (path->dropped) ReleaseDroppedPath(path);
     }
     return 0;
 }

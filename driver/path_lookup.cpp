@@ -1,7 +1,9 @@
 #include "driver/path_lookup.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
+#include <string>
 
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
@@ -87,6 +89,34 @@ void BuildPersistentIds(TreeIndex &index, DriverPath *root) {
     index.persistent_ids_built = true;
 }
 
+std::string_view WithoutLeadingSeparators(std::string_view path) {
+    const size_t start = path.find_first_not_of("/\\");
+    return start == std::string_view::npos ? std::string_view() : path.substr(start);
+}
+
+std::optional<std::string_view> LocationAt(const DriverPath *parent, int32_t position) {
+    const DriverPath *child = ChildAt(parent, position);
+    const auto location = child == nullptr ? std::nullopt : FindAttribute(child, "location");
+    return location ? std::optional(WithoutLeadingSeparators(*location)) : std::nullopt;
+}
+
+auto SameLocation(const DriverPath *parent, std::string_view location) {
+    return [=](uint32_t position) {
+        const auto own = LocationAt(parent, static_cast<int32_t>(position));
+        return own && EqualFolded(*own, location);
+    };
+}
+
+void IndexNewLocations(LocationIndex &index, const DriverPath *parent) {
+    const int32_t count = ChildCount(parent);
+    for (; index.children_indexed < count; ++index.children_indexed) {
+        const auto location = LocationAt(parent, index.children_indexed);
+        if (!location) continue;
+        index.positions.Add(HashOfFolded(*location), static_cast<uint32_t>(index.children_indexed),
+                            SameLocation(parent, *location));
+    }
+}
+
 }  // namespace
 
 void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved) {
@@ -102,6 +132,10 @@ void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved) {
     } else {
         EnterPersistentId(index, child);
     }
+}
+
+void NoteDroppedChild(DriverPath *parent) {
+    parent->owner->index.locations.erase(parent);
 }
 
 DriverPath *FindById(VelmarArray *array, std::string_view id) {
@@ -142,4 +176,22 @@ DriverPath *FindPathByPersistentId(LibraryDriver *driver, std::string_view id) {
 DriverPath *FindCategoryRoot(const LibraryDriver *driver, int32_t category, int32_t subcategory) {
     const auto found = driver->index.category_roots.find(NumbersKey(category, subcategory));
     return found == driver->index.category_roots.end() ? nullptr : found->second;
+}
+
+DriverPath *FindCategoryPath(const LibraryDriver *driver, int32_t subcategory) {
+    const DriverPath *library = GetLibraryRoot(driver);
+    if (library == nullptr) return nullptr;
+    for (int32_t i = ChildCount(library) - 1; i >= 0; --i) {
+        DriverPath *root = ChildAt(library, i);
+        if (root != nullptr && root->subcategory == subcategory) return root;
+    }
+    return nullptr;
+}
+
+bool IsLocationKnown(DriverPath *category_root, std::string_view path) {
+    LocationIndex &index = category_root->owner->index.locations[category_root];
+    IndexNewLocations(index, category_root);
+    std::string location(WithoutLeadingSeparators(path));
+    std::replace(location.begin(), location.end(), '\\', '/');
+    return index.positions.Find(HashOfFolded(location), SameLocation(category_root, location)).has_value();
 }

@@ -10,6 +10,12 @@
 #include "driver/number_index.h"
 #include "driver/text_index.h"
 
+// The first `children_indexed` children of a category root by their `location`.
+struct LocationIndex {
+    TextIndex positions;
+    int32_t children_indexed = 0;
+};
+
 // Lookups that are defined by a walk over the tree or over the tracks, each at the cost of a hash lookup. The
 // host's arrays stay the truth: these records tell where to look, and are kept or dropped with every change.
 struct TreeIndex {
@@ -26,11 +32,17 @@ struct TreeIndex {
     TextIndex persistent_ids;
     std::vector<DriverPath *> persistent_nodes;
     bool persistent_ids_built = false;
+
+    // Children of category roots by `location`, for the roots that were asked for one.
+    std::unordered_map<const DriverPath *, LocationIndex> locations;
 };
 
 // Keeps the index right when a node has been hung under a parent; `moved` tells that it hung elsewhere before
 // and now comes earlier in the walk.
 void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved);
+
+// The same when a child has been taken out of a parent.
+void NoteDroppedChild(DriverPath *parent);
 
 // The first path of an array whose `id` equals the text, with ASCII case ignored, or null. Walks the array.
 DriverPath *FindById(VelmarArray *array, std::string_view id);
@@ -48,5 +60,15 @@ DriverPath *FindPathByPersistentId(LibraryDriver *driver, std::string_view id);
 
 // The last child of "library" with these numbers, or null.
 DriverPath *FindCategoryRoot(const LibraryDriver *driver, int32_t category, int32_t subcategory);
+
+// The last child of "library" with this subcategory, whatever its category, or null. A walk over the few
+// roots.
+DriverPath *FindCategoryPath(const LibraryDriver *driver, int32_t subcategory);
+
+// True when a child of the category root has this path as its `location`. The backslashes of the path count
+// as "/", those of locations do not: so it is the library's own tracks that are found, and not what a scan
+// has added. Case and leading separators do not count: a file URL loses its first slash on the way to a
+// `location`.
+bool IsLocationKnown(DriverPath *category_root, std::string_view path);
 
 #endif

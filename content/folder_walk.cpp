@@ -1,0 +1,49 @@
+#include "content/folder_walk.h"
+
+#include <cwchar>
+#include <set>
+
+#include "platform/windows/folder_identity.h"
+#include "platform/windows/folder_search.h"
+
+namespace {
+
+// Deeper than anyone keeps media. Each level holds a search open, of which a process has not many.
+constexpr int kDeepestFolder = 256;
+
+bool IsFolder(const WIN32_FIND_DATAW &entry) {
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsOwnOrParentFolder(const WIN32_FIND_DATAW &entry) {
+    return std::wcscmp(entry.cFileName, L".") == 0 || std::wcscmp(entry.cFileName, L"..") == 0;
+}
+
+class FolderWalk {
+  public:
+    FolderWalk(FolderDepth depth, const FileVisitor &visit) : depth_(depth), visit_(visit) {}
+
+    void Enter(const std::wstring &folder, int level) {
+        const auto identity = IdentifyFolder(folder);
+        if (!identity || !entered_.insert(*identity).second) return;
+        for (const WIN32_FIND_DATAW &entry : FolderSearch(folder + L"\\*")) {
+            if (IsOwnOrParentFolder(entry)) continue;
+            if (!IsFolder(entry)) {
+                visit_(folder, entry);
+            } else if (depth_ == FolderDepth::kAllLevels && level < kDeepestFolder) {
+                Enter(folder + L"\\" + entry.cFileName, level + 1);
+            }
+        }
+    }
+
+  private:
+    const FolderDepth depth_;
+    const FileVisitor &visit_;
+    std::set<FolderIdentity> entered_;
+};
+
+}  // namespace
+
+void WalkFolder(const std::wstring &folder, FolderDepth depth, const FileVisitor &visit) {
+    FolderWalk(depth, visit).Enter(folder, 1);
+}
