@@ -63,11 +63,11 @@ void AddToMediaList(DriverPath *track, const DriverPath *list) {
 }  // namespace
 
 void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
+    DriverPath *track = FindTrackByNumber(driver, id);
+    if (track == nullptr) return;
     constexpr size_t kMostDigits = 24;
     char name[kMostDigits + kLongestListExtension + 1] = {};
     char *end = std::to_chars(name, name + kMostDigits, id).ptr;
-    DriverPath *track = FindTrackById(driver, {name, static_cast<size_t>(end - name)});
-    if (track == nullptr) return;
     std::copy(std::begin(track->list_extension), std::end(track->list_extension), end);
     AppendChild(list, name, track);
     ++track->share_count;

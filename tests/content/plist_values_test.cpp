@@ -6,6 +6,7 @@
 #include <string>
 
 #include "content/location_url.h"
+#include "platform/windows/windows_api.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/property_list_xml.h"
 #include "tests/support/scoped_environment.h"
@@ -61,7 +62,7 @@ TEST(PlistValueText, AnyOtherTypeIsLoggedAndHasNoText) {
 TEST(DateToSeconds, TakesTheUtcFieldsAsLocalTime) {
     for (const char *zone : {"UTC0", "CET-1CEST,M3.5.0,M10.5.0/3", "PST8PDT,M3.2.0,M11.1.0"}) {
         const ScopedEnvironment environment("TZ", zone);
-        tzset();
+        _tzset();
         for (const char *month : {"01", "07"}) {
             std::tm local = {};
             local.tm_year = 113;
@@ -75,7 +76,7 @@ TEST(DateToSeconds, TakesTheUtcFieldsAsLocalTime) {
         }
         EXPECT_EQ(TextOf("<date>1960-01-01T00:00:00Z</date>"), "-1") << zone;
     }
-    tzset();
+    _tzset();
 }
 
 TEST(LocationUrlToPath, DecodesUrlsByteByByte) {
