@@ -73,7 +73,9 @@ class TreeBuilder {
     Value CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index);
     Value CopyLargeDistinct();
     Value CopyOrdered();
-    Value CopySmallDistinct();
+    Value CopySmall();
+    const Value *const *KeysOfShape();
+    void DropDuplicates();
 
     Document &document_;
     MemoryBlock stack_;
@@ -82,10 +84,14 @@ class TreeBuilder {
     Pair *limit_ = nullptr;
     ValueType container_ = ValueType::kNone;
     std::vector<Frame> frames_;
-    std::array<const Value *, 256> latest_keys_ = {};
-    // The last dictionary that had a key of these hash bits: tells most keys distinct without a comparison.
-    std::array<uint32_t, 1024> seen_in_ = {};
-    uint32_t dictionary_number_ = 0;
+    std::array<const Value *, 4096> latest_keys_ = {};
+
+    // The keys of small dictionaries: the tracks of a library have a few hundred different rows of them.
+    struct Shape {
+        const Value *const *keys = nullptr;
+        size_t count = 0;
+    };
+    std::array<Shape, 1024> latest_shapes_;
 };
 
 }  // namespace core_foundation
