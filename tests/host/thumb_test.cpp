@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "tests/host/decoded_png.h"
 #include "tests/host/fake_pictures.h"
 #include "tests/host/host_process.h"
 
@@ -12,16 +12,10 @@ namespace {
 
 using testing::HasSubstr;
 
-// Red, green, blue and alpha of every pixel, read by libpng. Empty when the bytes are no PNG of 2 x 3 pixels.
+// The six pixels in a PNG file; empty when it holds no picture of 2 x 3.
 std::string DecodedPixels(const std::string &png) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_memory(&image, png.data(), png.size()) == 0) return {};
-    image.format = PNG_FORMAT_RGBA;
-    std::string pixels(PNG_IMAGE_SIZE(image), '\0');
-    const bool fits = image.width == 2 && image.height == 3;
-    const int finished = png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
-    return fits && finished != 0 ? pixels : std::string();
+    const DecodedPng picture = DecodePng(png);
+    return picture.width == 2 && picture.height == 3 ? picture.pixels : std::string();
 }
 
 class Thumb : public testing::Test {
