@@ -13,6 +13,7 @@
 #include "tests/content/captured_log.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
+#include "tests/support/scoped_zone.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ TEST(AddLocalBook, FindsTheCoverOfBothForms) {
 }
 
 TEST(AddLocalBook, TellsWhatThePackageAndTheFileTell) {
-    const ScopedEnvironment zone("TZ", "UTC");
+    const ScopedZone zone("UTC");
     BookTree tree;
     const std::string metadata =
         "<dc:title> A &amp; "

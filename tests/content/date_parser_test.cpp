@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/support/scoped_environment.h"
+#include "tests/support/scoped_zone.h"
 
 namespace {
 
@@ -12,7 +12,7 @@ constexpr const char *kBookFormat = "%Y-%m-%dT%H:%M:%S%z";
 constexpr int64_t kDay = 86400;
 
 TEST(ParseTimeStamp, FieldsBeforeTheFirstMismatchCountAndZonesDoNot) {
-    const ScopedEnvironment zone("TZ", "UTC");
+    const ScopedZone zone("UTC");
     constexpr int64_t kApril5 = 15435 * kDay;
     const struct {
         std::string text;
@@ -34,7 +34,7 @@ TEST(ParseTimeStamp, FieldsBeforeTheFirstMismatchCountAndZonesDoNot) {
     };
     for (const auto &row : rows)
         EXPECT_EQ(ParseTimeStamp(row.text, kBookFormat), row.seconds) << row.text;
-    const ScopedEnvironment west("TZ", "XST5");
+    const ScopedZone west("XST5");
     EXPECT_EQ(ParseTimeStamp("2012-04-05T10:20:30Z", kBookFormat), kApril5 + 37230 + 5 * 3600);
 }
 
