@@ -68,7 +68,7 @@ struct Block {
 
 // Most nodes have a few items and find room in the container itself; a track has about 400 bytes of them.
 constexpr size_t kFirstBytes = 128;
-constexpr size_t kSecondBytes = 384;
+constexpr size_t kSecondBytes = 320;
 constexpr size_t kFurtherBytes = 160;
 
 // One bit of 64 for a key: a bit that no stored key has set tells an absent key without a look at the items.
