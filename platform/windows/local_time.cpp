@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <ctime>
@@ -93,8 +94,8 @@ class ShiftCache {
     std::optional<Shift> OfDay(int64_t day) {
         const std::lock_guard lock(mutex_);
         Day &known = days_[static_cast<size_t>(day) % kKnownDays];
-        if (known.day != day) known = {day, Agreed(day)};
-        return known.shift;
+        if (known.day != day) known = {static_cast<int32_t>(day), NumberOf(Agreed(day))};
+        return known.shift == kNoShift ? std::nullopt : std::optional(shifts_[known.shift]);
     }
 
     void Forget() {
@@ -102,17 +103,28 @@ class ShiftCache {
         tzset();
         midnights_.clear();
         one_clock_.clear();
+        shifts_.clear();
         days_.assign(kKnownDays, {});
     }
 
   private:
-    // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside
-    // each other.
+    static constexpr uint32_t kNoShift = ~uint32_t{0};
+
+    // What the midnights around a day agree on, by its number in `shifts_`. The days of a library, of some
+    // twenty years, find room beside each other.
     struct Day {
-        int64_t day = -1;
-        std::optional<Shift> shift;
+        int32_t day = -1;
+        uint32_t shift = kNoShift;
     };
     static constexpr size_t kKnownDays = 8192;
+
+    uint32_t NumberOf(const std::optional<Shift> &shift) {
+        if (!shift) return kNoShift;
+        const auto known = std::find(shifts_.begin(), shifts_.end(), *shift);
+        const auto number = static_cast<uint32_t>(known - shifts_.begin());
+        if (known == shifts_.end()) shifts_.push_back(*shift);
+        return number;
+    }
 
     // In days. A summer or winter, with a stride to spare, is shorter than twice kNear; kReach is more than
     // what lies between one end of a block and the far end of what is near.
@@ -165,6 +177,7 @@ class ShiftCache {
     std::mutex mutex_;                                             // guards the rest
     std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
     std::unordered_map<int64_t, bool> one_clock_;                  // by block
+    std::vector<Shift> shifts_;                                    // a zone has a few
     std::vector<Day> days_ = std::vector<Day>(kKnownDays);         // by the remainder of their numbers
 };
 
