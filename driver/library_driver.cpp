@@ -1,5 +1,6 @@
 #include "driver/library_driver.h"
 
+#include "artwork/artwork_scan.h"
 #include "content/plist_values.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
@@ -87,6 +88,7 @@ void DestroyLibrary(LibraryDriver *driver) {
     while (!driver->dropped_paths.empty())
         ReleaseDroppedPath(*driver->dropped_paths.begin());
     if (driver->tracks != nullptr) FreeVelmarArray(driver->tracks);
+    FreeAlbumArtworkScan(driver);
     driver->root = nullptr;
     driver->tracks = nullptr;
     driver->unnamed_lists.clear();
