@@ -4,6 +4,7 @@
 #include "content/plist_values.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
+#include "driver/rescan.h"
 #include "driver/startup_thread.h"
 #include "library/library_files.h"
 #include "library/playlists.h"
@@ -74,6 +75,7 @@ int32_t CreateLibrary(LibraryDriver *driver) {
         return loaded;
     }
     LoadPlaylists(driver);
+    RescanLocalFolders(driver);
     IndexCategoryRoots(driver);
     return 0;
 }
