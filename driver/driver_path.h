@@ -46,6 +46,7 @@ constexpr int32_t kMovie = 30;
 constexpr int32_t kTvShow = 31;
 constexpr int32_t kThumbOfTrack = 43;
 constexpr int32_t kThumbnail = 44;
+constexpr int32_t kThumbOfScannedFile = 44;
 constexpr int32_t kBook = 50;
 constexpr int32_t kApplication = 60;
 }  // namespace node_subcategory

@@ -1,8 +1,10 @@
 #include "driver/library_driver.h"
 
+#include "artwork/artwork_scan.h"
 #include "content/plist_values.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
+#include "driver/rescan.h"
 #include "driver/startup_thread.h"
 #include "library/library_files.h"
 #include "library/playlists.h"
@@ -75,6 +77,7 @@ int32_t CreateLibrary(LibraryDriver *driver) {
         return loaded;
     }
     LoadPlaylists(driver);
+    RescanLocalFolders(driver);
     IndexCategoryRoots(driver);
     return 0;
 }
@@ -89,6 +92,7 @@ void DestroyLibrary(LibraryDriver *driver) {
     while (!driver->dropped_paths.empty())
         ReleaseDroppedPath(*driver->dropped_paths.begin());
     if (driver->tracks != nullptr) FreeVelmarArray(driver->tracks);
+    FreeAlbumArtworkScan(driver);
     driver->root = nullptr;
     driver->tracks = nullptr;
     driver->unnamed_lists.clear();

@@ -32,6 +32,8 @@ struct LibraryDriver {
     std::string itl_path;
     DriverPath *root = nullptr;
     VelmarArray *tracks = nullptr;  // every track, those too that no list holds; not their owner
+    // The mark that the folder "Album Artwork" has been scanned; holds nothing.
+    VelmarArray *artwork_scan = nullptr;
     CopyProgressCallback copy_callback = nullptr;
     void *copy_context = nullptr;
     int32_t copy_chunk_size = kDefaultCopyChunkSize;
