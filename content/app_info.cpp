@@ -40,16 +40,8 @@ constexpr std::array kLanguages = std::to_array<LanguageRow>({
     {"zh_HK", "zh-Hant"},
 });
 
-// Null for a missing key and for a value that is no text.
-CFStringRef FindString(const CFOwner &dictionary, const char *key) {
-    const CFOwner name = Utf8ToCFString(key);
-    const void *value = CFDictionaryGetValue(static_cast<CFDictionaryRef>(dictionary.get()), name.get());
-    const bool is_string = value != nullptr && CFGetTypeID(value) == CFStringGetTypeID();
-    return is_string ? static_cast<CFStringRef>(value) : nullptr;
-}
-
 std::optional<std::string> FindText(const CFOwner &dictionary, const char *key) {
-    return CFStringToUtf8(FindString(dictionary, key));
+    return CFStringToUtf8(PlistString(dictionary.get(), key));
 }
 
 // Null for an entry that is no dictionary.
@@ -91,7 +83,7 @@ int32_t ReadBundle(unzFile zip, AppInfo &info) {
     if (!entry) return kNoBundle;
     const CFOwner bundle = ReadEntryDictionary(zip);
     if (!bundle) return kNoDictionary;
-    if (FindString(bundle, "CFBundleIdentifier") == nullptr) return 0;
+    if (PlistString(bundle.get(), "CFBundleIdentifier") == nullptr) return 0;
     if (!info.bundle_id) info.bundle_id = FindText(bundle, "CFBundleIdentifier");
     if (!info.display_name) info.display_name = FindText(bundle, "CFBundleDisplayName");
     if (info.icon_size == 0) ReadBundleIcon(zip, *entry, bundle, info);

@@ -23,6 +23,14 @@ void AddSize(DriverPath *app, const std::string &path) {
     AddAttribute(app, "st_size", std::to_string(status.st_size).c_str());
 }
 
+// The same file may be listed in other letters, from before it was copied anew.
+void DeleteOtherFile(const DriverPath *app, const std::string &path) {
+    const auto location = FindAttribute(app, "location");
+    if (!location || _stricmp(location->data(), path.c_str()) == 0) return;
+    // One that cannot be deleted stays; iTunes goes by the newest.
+    _wremove(Utf8ToWide(*location).c_str());
+}
+
 }  // namespace
 
 int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
@@ -44,5 +52,18 @@ int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
     AddIfPresent(app, "genre", info.genre);
     AddAppThumb(app, info, path);
     AppendChild(app_category, file_name.c_str(), app);
+    return 0;
+}
+
+int32_t RemoveOlderAppFiles(LibraryDriver *driver, const std::string &path) {
+    AppInfo info;
+    const int32_t result = ReadAppInfo(path, info);
+    if (result != 0) return result;
+    const DriverPath *apps = FindCategoryPath(driver, node_subcategory::kApplication);
+    if (apps == nullptr || !info.bundle_id) return 0;
+    for (int32_t i = ChildCount(apps) - 1; i >= 0; --i) {
+        const DriverPath *app = ChildAt(apps, i);
+        if (app != nullptr && FindAttribute(app, "bundleId") == *info.bundle_id) DeleteOtherFile(app, path);
+    }
     return 0;
 }

@@ -11,4 +11,9 @@
 // ReadAppInfo gives for a file that is no application, and nothing is added.
 int32_t AddLocalApp(DriverPath *app_category, const std::string &path);
 
+// Deletes the other files that are listed for the application in a file that was just copied in (UTF-8),
+// whatever their versions. Their nodes stay until the next rescan. 0, or what ReadAppInfo gives for a file
+// that is no application.
+int32_t RemoveOlderAppFiles(LibraryDriver *driver, const std::string &path);
+
 #endif

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "content/book.h"
+#include "content/book_catalogue.h"
 #include "content/file_kinds.h"
 #include "content/folder_walk.h"
 #include "content/media_folder.h"
@@ -14,6 +15,8 @@ int32_t ScanBooks(LibraryDriver *driver) {
     if (books == nullptr) return -1;
     const std::optional<std::string> media_folder = MediaFolder(driver);
     if (media_folder) WalkBookFolder(books, *media_folder + "\\Books");
+    // A catalogue that cannot be read lists no books.
+    if (IsBookCatalogueEnabled()) LoadBookCatalogue(books);
     return 0;
 }
 

@@ -2,20 +2,13 @@
 
 #include <algorithm>
 
+#include "content/environment.h"
 #include "platform/windows/text.h"
-#include "platform/windows/windows_api.h"
 
 namespace {
 
-// Asked again with more room as long as the value does not fit: it may grow between two calls.
 std::wstring TempFolderPath() {
-    std::wstring value(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD size = GetEnvironmentVariableW(L"TEMP", value.data(), static_cast<DWORD>(value.size()));
-        const bool fits = size < value.size();
-        value.resize(size);
-        if (fits) return value;
-    }
+    return EnvironmentVariable(L"TEMP").value_or(L"");
 }
 
 }  // namespace

@@ -117,10 +117,28 @@ int32_t WritePropertyListFile(const std::string &path, CFPropertyListRef plist, 
     return 0;
 }
 
+const void *PlistValue(CFTypeRef dictionary, const char *key) {
+    if (!IsDictionary(dictionary)) return nullptr;
+    return CFDictionaryGetValue(static_cast<CFDictionaryRef>(dictionary), Utf8ToCFString(key).get());
+}
+
+CFStringRef PlistString(CFTypeRef dictionary, const char *key) {
+    const void *value = PlistValue(dictionary, key);
+    const bool is_string = value != nullptr && CFGetTypeID(value) == Types().string;
+    return is_string ? static_cast<CFStringRef>(value) : nullptr;
+}
+
+std::optional<int64_t> PlistInteger(CFTypeRef dictionary, const char *key) {
+    const void *value = PlistValue(dictionary, key);
+    int64_t number = 0;
+    if (!IsNumber(value) || !CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt64Type, &number))
+        return std::nullopt;
+    return number;
+}
+
 std::optional<std::string> PlistValueText(CFTypeRef dictionary, const char *key, int32_t flags) {
-    if (!IsDictionary(dictionary) || key == nullptr) return std::nullopt;
-    const CFOwner key_string = Utf8ToCFString(key);
-    const CFTypeRef value = CFDictionaryGetValue(static_cast<CFDictionaryRef>(dictionary), key_string.get());
+    if (key == nullptr) return std::nullopt;
+    const CFTypeRef value = PlistValue(dictionary, key);
     std::string room;
     const auto text = value == nullptr ? std::nullopt : PlistText(value, flags, room);
     return text ? std::optional<std::string>(*text) : std::nullopt;

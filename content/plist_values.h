@@ -20,6 +20,13 @@ CFOwner ReadPropertyListFile(const std::string &path);
 // write that fails later leaves the old file as it was, and still gives 0.
 int32_t WritePropertyListFile(const std::string &path, CFPropertyListRef plist, CFPropertyListFormat format);
 
+// The value under a key; null for no dictionary and for no such key. Borrowed.
+const void *PlistValue(CFTypeRef dictionary, const char *key);
+
+// A string, and the value of a whole number, under a key; null or empty for a value of another type.
+CFStringRef PlistString(CFTypeRef dictionary, const char *key);
+std::optional<int64_t> PlistInteger(CFTypeRef dictionary, const char *key);
+
 // The value under a key as attribute text; empty for no dictionary, no such key or no text.
 std::optional<std::string> PlistValueText(CFTypeRef dictionary, const char *key, int32_t flags);
 

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string_view>
 
+#include "content/environment.h"
 #include "content/path_text.h"
 #include "content/plist_values.h"
 #include "driver/driver_log.h"
-#include "platform/windows/windows_api.h"
 
 namespace {
 
@@ -18,21 +18,8 @@ constexpr CFIndex kFlagIndex = 14479;
 constexpr char kMediaFolder[] = "Music Folder Location:11345";
 constexpr char kXmlLocation[] = "iTunes Library XML Location:1";
 
-std::optional<std::wstring> EnvironmentVariable(const wchar_t *name) {
-    const DWORD room = GetEnvironmentVariableW(name, nullptr, 0);
-    if (room == 0) return std::nullopt;
-    std::wstring value(room, L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), room));
-    return value;
-}
-
-const void *ValueOf(CFTypeRef dictionary, const char *key) {
-    if (!IsDictionary(dictionary)) return nullptr;
-    return CFDictionaryGetValue(static_cast<CFDictionaryRef>(dictionary), Utf8ToCFString(key).get());
-}
-
 CFDataRef DataOf(CFTypeRef dictionary, const char *key) {
-    const void *value = ValueOf(dictionary, key);
+    const void *value = PlistValue(dictionary, key);
     return IsData(value) ? static_cast<CFDataRef>(value) : nullptr;
 }
 
@@ -88,7 +75,7 @@ LibraryPreferences ReadLibraryPreferences() {
         WriteDriverLog("Open iTunes Preferences file error!");
         return {};
     }
-    const CFTypeRef user_preferences = ValueOf(preferences.get(), "User Preferences");
+    const CFTypeRef user_preferences = PlistValue(preferences.get(), "User Preferences");
     // A file that cannot be rewritten is no reason not to load.
     if (SetFlag(user_preferences))
         WritePropertyListFile(path, preferences.get(), kCFPropertyListXMLFormat_v1_0);
