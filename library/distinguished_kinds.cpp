@@ -18,7 +18,7 @@ constexpr int32_t kCloudLists = 10;
 constexpr DistinguishedKind DistinguishedKindTable[] = {
     {kMovies, ListParent::kLibrary, category::kVideo, subcategory::kMovie, "movie"},
     {3, ListParent::kLibrary, category::kVideo, subcategory::kTvShow, "tvshow"},
-    {4, ListParent::kLibrary, category::kAudio, subcategory::kMusic, "music"},
+    {kMusic, ListParent::kLibrary, category::kAudio, subcategory::kMusic, "music"},
     {5, ListParent::kLibrary, category::kBook, subcategory::kBook, "book"},
     {6, ListParent::kNone, 0, 0, nullptr},
     {10, ListParent::kLibrary, category::kVideo, subcategory::kPodcast, "podcast"},

@@ -16,6 +16,7 @@ struct DistinguishedKind {
 
 constexpr int32_t kOrdinaryList = 0;
 constexpr int32_t kMovies = 2;
+constexpr int32_t kMusic = 4;
 constexpr int32_t kMovieRentals = 48;
 
 // Every number gives a row. The row of a list of the user has subcategory 0: it depends on the list itself.

@@ -5,19 +5,14 @@
 #include <unordered_set>
 
 #include "driver/attributes.h"
+#include "library/category_root.h"
+#include "library/distinguished_kinds.h"
 #include "library/playlists.h"
 
 namespace {
 
 bool IsMovie(const DriverPath *path) {
     return path->category == node_category::kVideo && path->subcategory == node_subcategory::kMovie;
-}
-
-DriverPath *MovieRoot(LibraryDriver *driver) {
-    DriverPath *root = FindCategoryRoot(driver, node_category::kVideo, node_subcategory::kMovie);
-    if (root != nullptr) return root;
-    return CreateCategoryPath(driver, "movie", node_kind::kFolder, node_category::kVideo,
-                              node_subcategory::kMovie);
 }
 
 // Ids in one letter case, as ids are compared.
@@ -49,7 +44,7 @@ void AddMasterMovies(LibraryDriver *driver) {
         const auto id = FindAttribute(track, "id");
         if (!id || !IsMovie(track)) continue;
         if (root == nullptr) {
-            root = MovieRoot(driver);
+            root = EnsureCategoryRoot(driver, kMovies);
             held = IdsUnder(root);
         }
         if (held.contains(FoldedId(*id))) continue;

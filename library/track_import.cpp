@@ -137,8 +137,9 @@ int32_t LoadTracks(LibraryDriver *driver) {
 DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, TrackImportRoom &room) {
     DriverPath *path = CreateTrackPath(driver, id);
     path->track_dictionary = static_cast<CFDictionaryRef>(entry);
-    // A track whose entry is no dictionary keeps its id alone.
-    ImportTrackAttributes(path, room);
+    // A track whose entry is no dictionary keeps its id alone, and nothing of a list that may soon be
+    // released.
+    if (ImportTrackAttributes(path, room) != 0) path->track_dictionary = nullptr;
     return path;
 }
 

@@ -17,12 +17,7 @@
 class LoadedLibrary {
   public:
     explicit LoadedLibrary(const std::function<void(LibraryXml &)> &write) {
-        {
-            std::ofstream file(place_.library_xml, std::ios::binary);
-            LibraryXml xml(file);
-            write(xml);
-            xml.Finish();
-        }
+        Rewrite(write);
         const ScopedEnvironmentValues environment(place_.environment);
         result = CreateLibrary(&driver);
     }
@@ -42,6 +37,23 @@ class LoadedLibrary {
         for (int32_t i = 0; node != nullptr && i < ChildCount(node); ++i)
             names.emplace_back(ChildNameAt(node, i));
         return names;
+    }
+
+    // Writes a file below the media folder.
+    void WriteMedia(const std::string &name, std::string_view bytes) const {
+        const auto path = place_.media_folder / name;
+        std::filesystem::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+    // Writes the library XML anew, as iTunes does at any time.
+    void Rewrite(const std::function<void(LibraryXml &)> &write) const {
+        std::ofstream file(place_.library_xml, std::ios::binary);
+        LibraryXml xml(file);
+        write(xml);
+        xml.Finish();
+    }
+    void RewriteAs(const std::string &list) const {
+        std::ofstream(place_.library_xml, std::ios::binary) << kPropertyListHead << list << kPropertyListTail;
     }
 
   private:
