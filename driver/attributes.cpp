@@ -3,8 +3,13 @@
 #include "platform/windows/windows_api.h"
 
 std::optional<std::string_view> FindAttribute(const DriverPath *path, const char *key) {
+    return FindAttribute(path->attributes, key);
+}
+
+std::optional<std::string_view> FindAttribute(VelmarAttribute *attributes, const char *key) {
     const char *value = nullptr;
-    if (FindVelmarAttributeValue(path->attributes, key, &value) != 0 || value == nullptr) return std::nullopt;
+    if (attributes == nullptr || FindVelmarAttributeValue(attributes, key, &value) != 0 || value == nullptr)
+        return std::nullopt;
     return value;
 }
 

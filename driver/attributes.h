@@ -12,6 +12,9 @@
 // change; it is followed by a NUL.
 std::optional<std::string_view> FindAttribute(const DriverPath *path, const char *key);
 
+// The same of a container that the host handed in; a null one has no keys.
+std::optional<std::string_view> FindAttribute(VelmarAttribute *attributes, const char *key);
+
 // True when the attribute exists and is "true", in any letter case.
 bool IsAttributeTrue(const DriverPath *path, const char *key);
 

@@ -1,8 +1,12 @@
 // A batch of copies into iTunes.
+#include "driver/copy_batch.h"
 #include "driver/driver_log.h"
 #include "driver/export_guard.h"
 #include "driver/itunes_driver.h"
+#include "driver/itunes_window.h"
 #include "driver/library_driver.h"
+#include "driver/rescan.h"
+#include "library/refresh.h"
 
 namespace {
 
@@ -34,13 +38,14 @@ int32_t StartPathCopy(LibraryDriver *driver, uintptr_t /*word*/, CopyProgressCal
     });
 }
 
-// Copying is not there yet: every copy is refused, before the host hears of a start.
 int32_t CopyDriverPath(LibraryDriver *driver, int32_t device_index, const char *path_text,
                        const CopySourceInfo *source) {
     return GuardExport([=] {
-        const char *fault = FaultOf(driver, device_index, path_text, source);
-        WriteDriverLog("%s", fault != nullptr ? fault : "Copying into iTunes is not supported");
-        return -1;
+        if (const char *fault = FaultOf(driver, device_index, path_text, source)) {
+            WriteDriverLog("%s", fault);
+            return -1;
+        }
+        return CopyIntoITunes(driver, path_text, *source);
     });
 }
 
@@ -49,6 +54,9 @@ int32_t FinishPathCopy(LibraryDriver *driver, uintptr_t /*word*/) {
         if (driver == nullptr) return RefuseDriver();
         driver->copy_callback = nullptr;
         driver->copy_context = nullptr;
+        // Neither result is looked at: a library that cannot be read now stays as it was.
+        if (ShowITunesWindow()) RefreshLibrary(driver);
+        RescanLocalFolders(driver);
         return 0;
     });
 }

@@ -180,7 +180,3 @@ BOOL CloseHandle(HANDLE handle) {
     delete static_cast<Waitable *>(handle);
     return TRUE;
 }
-
-void Sleep(DWORD milliseconds) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}

@@ -8,6 +8,7 @@
 
 #include "driver/itunes_driver.h"
 #include "tests/driver/open_library.h"
+#include "tests/support/archive_files.h"
 #include "tests/support/artwork_file.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/sample_library.h"
@@ -281,11 +282,19 @@ TEST_F(Exports, LogLinesAreCutAt511BytesAndTakeNoFormatFromTheirText) {
     }
 }
 
-TEST_F(Exports, ACopyIsRefusedAndTouchesNothing) {
-    EXPECT_EQ(StartPathCopy(driver_, 0, nullptr, nullptr, 4096), 0);
+TEST_F(Exports, ACopiedFileShowsInTheTreeWhenTheBatchEnds) {
+    const std::string book = EpubFile({"Copied"}, BookCover::kNone);
     CopySourceInfo source = {};
-    EXPECT_EQ(CopyDriverPath(driver_, 0, "library/music", &source), -1);
+    source.source_type = 1;
+    const std::string path = folder_.Write("copied.epub", book).string();
+    source.source_path = path.c_str();
+    source.source_size = static_cast<int64_t>(book.size());
+    EXPECT_EQ(StartPathCopy(driver_, 0, nullptr, nullptr, 4096), 0);
+    EXPECT_EQ(CopyDriverPath(driver_, 0, "library/book", &source), 0);
     EXPECT_EQ(FinishPathCopy(driver_, 0), 0);
+    EXPECT_THAT(OpenedPath(driver_, "library/book/copied.epub").Attribute("name"),
+                Optional(std::string("Copied")));
+    EXPECT_EQ(StreamBytes(driver_, "library/book/copied.epub", 1000), book);
 }
 
 }  // namespace
