@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <stdexcept>
 #include <string>
 
+#include "bench/library_walk.h"
 #include "bench/measure.h"
 #include "driver/itunes_driver.h"
 #include "platform/core_foundation/core_foundation.h"
@@ -20,10 +20,6 @@
 namespace {
 
 constexpr int kRounds = 7;
-
-void Require(bool condition, const char *what) {
-    if (!condition) throw std::runtime_error(what);
-}
 
 void LoadWithDriver() {
     LibraryDriver *driver = nullptr;

@@ -9,10 +9,10 @@
 #include <filesystem>
 #include <iostream>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "bench/library_walk.h"
 #include "bench/measure.h"
 #include "driver/itunes_driver.h"
 #include "tests/support/library_place.h"
@@ -23,53 +23,20 @@ namespace {
 constexpr int kRounds = 9;
 constexpr std::size_t kOpensPerRound = 50000;
 
-void Require(bool condition, const char *what) {
-    if (!condition) throw std::runtime_error(what);
-}
+// A generated library with the paths of its music.
+struct Music {
+    explicit Music(const std::filesystem::path &library_xml)
+        : library(MakeLibraryPlace(home.path(), PathStyle::kNative, library_xml)),
+          paths(library.MusicPaths()) {}
 
-class LoadedLibrary {
-  public:
-    explicit LoadedLibrary(const std::filesystem::path &library_xml) {
-        const LibraryPlace place = MakeLibraryPlace(home_.path(), PathStyle::kNative, library_xml);
-        const ScopedEnvironmentValues environment(place.environment);
-        Require(InitializeDriverPath(nullptr, nullptr, 0, &driver_) == 0, "a library cannot be loaded");
-        ListMusic();
-    }
-    ~LoadedLibrary() { UninitializeDriverPath(driver_); }
-    LoadedLibrary(const LoadedLibrary &) = delete;
-    LoadedLibrary &operator=(const LoadedLibrary &) = delete;
-
-    const std::vector<std::string> &paths() const { return paths_; }
-
-    void Open(const std::string &path) const {
-        DriverPath *node = nullptr;
-        Require(OpenDriverPath(driver_, 0, path.c_str(), &node) == 0, "a path cannot be opened");
-        CloseDriverPath(node);
-    }
-
-  private:
-    void ListMusic() {
-        DriverPath *music = nullptr;
-        Require(OpenDriverPath(driver_, 0, "library/music", &music) == 0, "the library has no music");
-        DriverPathInfo info{};
-        GetDriverPathInfo(music, &info);
-        for (int32_t i = 0; i < GetVelmarArraySize(info.names); ++i) {
-            void *name = nullptr;
-            GetVelmarArrayItem(info.names, i, &name);
-            paths_.push_back(std::string("library/music/") + static_cast<const char *>(name));
-        }
-        CloseDriverPath(music);
-    }
-
-    TempFolder home_;
-    LibraryDriver *driver_ = nullptr;
-    std::vector<std::string> paths_;
+    TempFolder home;
+    LoadedLibrary library;
+    std::vector<std::string> paths;
 };
 
 // The texts of one round stand in a row, so that fetching them costs the same whichever library they name.
-std::vector<std::string> DrawPaths(const LoadedLibrary &library, std::size_t different,
-                                   std::mt19937_64 &engine) {
-    std::vector<std::string> pool = library.paths();
+std::vector<std::string> DrawPaths(const Music &music, std::size_t different, std::mt19937_64 &engine) {
+    std::vector<std::string> pool = music.paths;
     std::shuffle(pool.begin(), pool.end(), engine);
     pool.resize(std::min(different, pool.size()));
     std::vector<std::string> drawn;
@@ -79,24 +46,24 @@ std::vector<std::string> DrawPaths(const LoadedLibrary &library, std::size_t dif
     return drawn;
 }
 
-double SecondsPerOpen(const LoadedLibrary &library, std::size_t different, std::mt19937_64 &engine) {
-    const std::vector<std::string> paths = DrawPaths(library, different, engine);
+double SecondsPerOpen(const Music &music, std::size_t different, std::mt19937_64 &engine) {
+    const std::vector<std::string> paths = DrawPaths(music, different, engine);
     const double seconds = Seconds([&] {
         for (const std::string &path : paths)
-            library.Open(path);
+            music.library.Open(path);
     });
     return seconds / static_cast<double>(kOpensPerRound);
 }
 
-void PrintFirstOpen(const char *what, const LoadedLibrary &library) {
-    const double seconds = Seconds([&] { library.Open(library.paths().back()); });
+void PrintFirstOpen(const char *what, const Music &music) {
+    const double seconds = Seconds([&] { music.library.Open(music.paths.back()); });
     std::printf("first open after the load, %s library: %.1f us\n", what, seconds * 1e6);
 }
 
 void Run(const std::filesystem::path &small_xml, const std::filesystem::path &large_xml) {
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);
-    const LoadedLibrary small(small_xml);
-    const LoadedLibrary large(large_xml);
+    const Music small(small_xml);
+    const Music large(large_xml);
     PrintFirstOpen("small", small);
     PrintFirstOpen("large", large);
 
@@ -105,19 +72,19 @@ void Run(const std::filesystem::path &small_xml, const std::filesystem::path &la
     Series large_series;
     Series part_series;
     for (int round = -1; round < kRounds; ++round) {
-        const double small_time = SecondsPerOpen(small, small.paths().size(), engine);
-        const double large_time = SecondsPerOpen(large, large.paths().size(), engine);
-        const double part_time = SecondsPerOpen(large, small.paths().size(), engine);
+        const double small_time = SecondsPerOpen(small, small.paths.size(), engine);
+        const double large_time = SecondsPerOpen(large, large.paths.size(), engine);
+        const double part_time = SecondsPerOpen(large, small.paths.size(), engine);
         if (round < 0) continue;
         small_series.Add(small_time);
         large_series.Add(large_time);
         part_series.Add(part_time);
     }
-    std::cout << "open and close, " << small.paths().size() << " tracks:  " << small_series.Text(1e9, "ns")
+    std::cout << "open and close, " << small.paths.size() << " tracks:  " << small_series.Text(1e9, "ns")
               << "\n"
-              << "open and close, " << large.paths().size() << " tracks:  " << large_series.Text(1e9, "ns")
+              << "open and close, " << large.paths.size() << " tracks:  " << large_series.Text(1e9, "ns")
               << "\n"
-              << "open and close, " << small.paths().size() << " of " << large.paths().size()
+              << "open and close, " << small.paths.size() << " of " << large.paths.size()
               << " tracks:  " << part_series.Text(1e9, "ns") << "\n"
               << "open: large / small = " << Ratio(large_series, small_series)
               << ", with equally many different tracks = " << Ratio(part_series, small_series) << "\n";

@@ -1,7 +1,8 @@
 #include "content/location_url.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -14,11 +15,17 @@ std::string_view WithoutPrefix(std::string_view url) {
     return url;
 }
 
-char EscapedByte(std::string_view digits) {
-    unsigned byte = 0;
-    if (std::from_chars(digits.data(), digits.data() + 2, byte, 16).ptr == digits.data() + 2) {
-        return static_cast<char>(byte);
-    }
+// -1 for no hexadecimal digit.
+int HexDigit(char letter) {
+    if (letter >= '0' && letter <= '9') return letter - '0';
+    const char small = static_cast<char>(letter | 0x20);
+    return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
+}
+
+char EscapedByte(const char *digits) {
+    const int high = HexDigit(digits[0]);
+    const int low = HexDigit(digits[1]);
+    if (high >= 0 && low >= 0) return static_cast<char>(high * 16 + low);
     // As strtoul reads them, so a blank or a sign in the place of the first digit is no fault.
     const char text[] = {digits[0], digits[1], '\0'};
     return static_cast<char>(std::strtoul(text, nullptr, 16) & 0xFF);
@@ -27,24 +34,28 @@ char EscapedByte(std::string_view digits) {
 }  // namespace
 
 std::string LocationUrlToPath(std::string_view url) {
-    std::string path;
+    std::string room;
+    return std::string(LocationUrlToPath(url, room));
+}
+
+std::string_view LocationUrlToPath(std::string_view url, std::string &room) {
     std::string_view rest = WithoutPrefix(url);
-    path.reserve(rest.size());
+    if (room.size() <= rest.size()) room.resize(rest.size() + 1);
+    // What is written never overtakes what is read, so the URL may lie in the room itself.
+    char *out = room.data();
     while (!rest.empty()) {
-        const size_t plain = rest.find('%');
-        path += rest.substr(0, plain);
-        if (plain == std::string_view::npos) break;
-        rest.remove_prefix(plain + 1);
-        if (rest.starts_with('%')) {
-            path += '%';
-            rest.remove_prefix(1);
-            continue;
-        }
+        const size_t plain = std::min(rest.find('%'), rest.size());
+        std::memmove(out, rest.data(), plain);
+        out += plain;
+        rest.remove_prefix(plain);
         if (rest.size() < 2) break;
-        const char byte = EscapedByte(rest);
+        const bool is_escape = rest[1] != '%';
+        if (is_escape && rest.size() < 3) break;
+        const char byte = is_escape ? EscapedByte(rest.data() + 1) : '%';
         if (byte == '\0') break;
-        path += byte;
-        rest.remove_prefix(2);
+        *out++ = byte;
+        rest.remove_prefix(is_escape ? 3 : 2);
     }
-    return path;
+    *out = '\0';
+    return {room.data(), static_cast<size_t>(out - room.data())};
 }

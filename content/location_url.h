@@ -10,4 +10,8 @@
 // "%" that are no hexadecimal digits give a byte 0, which ends the path, and so does a "%" at the very end.
 std::string LocationUrlToPath(std::string_view url);
 
+// The same in room that is used again: the path lies in `room`, followed by a NUL, until that changes. The
+// URL may lie there too.
+std::string_view LocationUrlToPath(std::string_view url, std::string &room);
+
 #endif

@@ -6,8 +6,8 @@
 
 #include "driver/library_driver.h"
 
-// The folder that holds the folder which files are added to: `add_folder` up to its last backslash. Empty
-// where no such folder has been found.
+// The folder that holds books, applications and the other media, in UTF-8 and without a backslash at its end:
+// the one that the folder "Automatically Add to iTunes" lies in. Empty if that is not known.
 std::optional<std::string> MediaFolder(const LibraryDriver *driver);
 
 #endif

@@ -41,10 +41,11 @@ const TypeIds &Types() {
 
 std::string_view Decimal(int64_t number, std::string &room) {
     constexpr size_t kMostDigits = 24;
-    room.resize(kMostDigits);
-    char *const end = std::to_chars(room.data(), room.data() + room.size(), number).ptr;
-    room.resize(static_cast<size_t>(end - room.data()));
-    return room;
+    // Room that is there already is not cut: the next text may need it.
+    if (room.size() <= kMostDigits) room.resize(kMostDigits + 1);
+    char *const end = std::to_chars(room.data(), room.data() + kMostDigits, number).ptr;
+    *end = '\0';
+    return {room.data(), static_cast<size_t>(end - room.data())};
 }
 
 std::optional<std::string_view> NumberText(CFNumberRef number, std::string &room) {
@@ -54,8 +55,10 @@ std::optional<std::string_view> NumberText(CFNumberRef number, std::string &room
 }
 
 std::optional<std::string_view> StringText(CFStringRef string, std::string &room) {
+    const char *text = CFStringGetCStringPtr(string, kCFStringEncodingUTF8);
+    if (text != nullptr && *text != '\0') return text;
     if (CFStringGetLength(string) < 1) return std::nullopt;
-    if (const char *text = CFStringGetCStringPtr(string, kCFStringEncodingUTF8)) return text;
+    if (text != nullptr) return text;
     // Not every implementation can lend its text.
     const CFIndex bytes =
         CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
@@ -129,8 +132,7 @@ std::optional<std::string_view> PlistText(CFTypeRef value, int32_t flags, std::s
     if (type == Types().string) {
         const auto text = StringText(static_cast<CFStringRef>(value), room);
         if (!text || (flags & kTextIsLocation) == 0) return text;
-        room = LocationUrlToPath(*text);
-        return room;
+        return LocationUrlToPath(*text, room);
     }
     if (type == Types().boolean)
         return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) == 1 ? "true" : "false";

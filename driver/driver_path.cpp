@@ -7,7 +7,6 @@
 
 #include "driver/library_driver.h"
 #include "driver/path_lookup.h"
-#include "platform/windows/windows_api.h"
 
 namespace {
 
@@ -19,40 +18,34 @@ constexpr int32_t kLibraryPosition = 0;
 constexpr int32_t kGeniusPosition = 1;
 constexpr int32_t kPlaylistPosition = 2;
 
+// Names come from the pool, like the nodes: a library has more of them than of anything else.
+char *NewName(std::string_view name) {
+    auto *copy = static_cast<char *>(TakeFromPool(name.size() + 1));
+    if (copy == nullptr) throw std::bad_alloc();
+    name.copy(copy, name.size());
+    copy[name.size()] = '\0';
+    return copy;
+}
+
+void FreeName(char *name) {
+    if (name != nullptr) ReturnToPool(name, std::strlen(name) + 1);
+}
+
 bool HasName(const DriverPath *path, int32_t index, std::string_view name) {
     const char *text = ChildNameAt(path, index);
-    // The bytes first: a name that is longer than the text differs in the text's terminator at the latest.
-    return text != nullptr && std::strncmp(text, name.data(), name.size()) == 0 && text[name.size()] == '\0';
+    return text != nullptr && text == name;
 }
 
 void IndexName(DriverPath *path, int32_t index) {
     const char *text = ChildNameAt(path, index);
-    if (text == nullptr) return;
-    const auto same = [=](uint32_t position) { return HasName(path, static_cast<int32_t>(position), text); };
-    path->child_index->Add(HashOf(text), static_cast<uint32_t>(index), same);
-}
-
-int32_t FindName(DriverPath *path, std::string_view name) {
-    IndexChildNames(path);
-    if (path->child_index) {
-        const auto same = [=](uint32_t position) {
-            return HasName(path, static_cast<int32_t>(position), name);
-        };
-        const auto found = path->child_index->Find(HashOf(name), same);
-        return found ? static_cast<int32_t>(*found) : -1;
-    }
-    const int32_t count = GetVelmarArraySize(path->names);
-    for (int32_t i = 0; i < count; ++i) {
-        if (HasName(path, i, name)) return i;
-    }
-    return -1;
+    if (text != nullptr) path->child_index->Add(*path, text, index);
 }
 
 void FreeNames(VelmarArray *names) {
     for (int32_t i = GetVelmarArraySize(names) - 1; i >= 0; --i) {
         void *name = nullptr;
         GetVelmarArrayItem(names, i, &name);
-        std::free(name);
+        FreeName(static_cast<char *>(name));
     }
     FreeVelmarArray(names);
 }
@@ -150,7 +143,7 @@ DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t catego
 void AppendChild(DriverPath *parent, const char *name, DriverPath *child) {
     AddVelmarArrayItem(parent->children, child);
     if (name != nullptr) {
-        AddVelmarArrayItem(parent->names, _strdup(name));
+        AddVelmarArrayItem(parent->names, NewName(name));
         if (parent->child_index) IndexName(parent, GetVelmarArraySize(parent->names) - 1);
     }
     if (HangsInTree(parent)) LinkToParent(parent, child);
@@ -175,15 +168,20 @@ const char *ChildNameAt(const DriverPath *path, int32_t index) {
 void IndexChildNames(DriverPath *path) {
     const int32_t count = GetVelmarArraySize(path->names);
     if (path->child_index || count < kFewChildren) return;
-    path->child_index = std::make_unique<TextIndex>();
+    path->child_index = std::make_unique<ChildIndex>();
     path->child_index->Reserve(static_cast<size_t>(count));
     for (int32_t i = 0; i < count; ++i)
         IndexName(path, i);
 }
 
 DriverPath *FindChild(DriverPath *path, std::string_view name) {
-    const int32_t index = FindName(path, name);
-    return index < 0 ? nullptr : ChildAt(path, index);
+    IndexChildNames(path);
+    if (path->child_index) return path->child_index->Find(*path, name);
+    const int32_t count = GetVelmarArraySize(path->names);
+    for (int32_t i = 0; i < count; ++i) {
+        if (HasName(path, i, name)) return ChildAt(path, i);
+    }
+    return nullptr;
 }
 
 void ReleaseDriverPath(DriverPath *path) {
@@ -192,7 +190,7 @@ void ReleaseDriverPath(DriverPath *path) {
 
 void DropChild(DriverPath *parent, int32_t index) {
     DriverPath *child = ChildAt(parent, index);
-    std::free(const_cast<char *>(ChildNameAt(parent, index)));
+    FreeName(const_cast<char *>(ChildNameAt(parent, index)));
     DeleteVelmarArrayItem(parent->names, index);
     DeleteVelmarArrayItem(parent->children, index);
     parent->child_index.reset();

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
+#include "driver/child_index.h"
 #include "driver/itunes_driver.h"
-#include "driver/text_index.h"
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/itl_parser/itl_parser.h"
 #include "platform/memory/pool.h"
@@ -56,20 +56,23 @@ constexpr size_t kLongestListExtension = 5;
 
 // A node of the tree. `children` and `names` are parallel, and change through AppendChild alone.
 struct DriverPath : Pooled {
-    LibraryDriver *owner = nullptr;
-    char *open_path = nullptr;                   // text of the first open, while open_count is not 0
-    CFDictionaryRef track_dictionary = nullptr;  // borrowed, set while a track of the XML file is imported
-    const Track *parser_track = nullptr;         // borrowed
-    VelmarArray *children = nullptr;
+    // What opening and closing touches stands together.
+    char *open_path = nullptr;  // text of the first open, while open_count is not 0
+    int32_t open_count = 0;
     int32_t kind = 0;
     int32_t category = 0;
     int32_t subcategory = 0;
-    VelmarArray *names = nullptr;  // heap texts
+    bool dropped = false;  // taken out of the tree while a host had it open; goes with its last close
+    int32_t from_folder_scan = 0;
+
+    LibraryDriver *owner = nullptr;
+    CFDictionaryRef track_dictionary = nullptr;  // borrowed, set while a track of the XML file is imported
+    const Track *parser_track = nullptr;         // borrowed
+    VelmarArray *children = nullptr;
+    VelmarArray *names = nullptr;  // texts from the pool
     VelmarAttribute *attributes = nullptr;
     int64_t thumb_offset = 0;  // where an image starts inside the file of `location`; 0 for a whole file
     int32_t share_count = 0;   // how many lists hold this track
-    int32_t from_folder_scan = 0;
-    int32_t open_count = 0;
 
     // Of the nodes that hold this one, the one that a depth-first walk from the root meets first; null where
     // no such walk comes.
@@ -78,9 +81,8 @@ struct DriverPath : Pooled {
     uint32_t sequence = 0;
     // Of a track: the extension of `location` as it goes into the track's names in lists, dot included.
     char list_extension[kLongestListExtension + 1] = {};
-    bool dropped = false;  // taken out of the tree while a host had it open; goes with its last close
     // Children by name; only where there are many.
-    std::unique_ptr<TextIndex> child_index;
+    std::unique_ptr<ChildIndex> child_index;
 };
 
 // Makes a node that hangs nowhere. Throws std::bad_alloc.

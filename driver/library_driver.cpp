@@ -9,6 +9,7 @@
 #include "library/library_files.h"
 #include "library/playlists.h"
 #include "library/track_import.h"
+#include "platform/windows/windows_api.h"
 
 namespace {
 
@@ -63,6 +64,7 @@ LibraryDriver::LibraryDriver() = default;
 LibraryDriver::~LibraryDriver() = default;
 
 int32_t CreateLibrary(LibraryDriver *driver) {
+    _tzset();
     const int32_t opened = LoadLibraryFiles(driver);
     if (opened != 0) {
         WriteDriverLog("Open iTunes Library XML file failed.");

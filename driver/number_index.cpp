@@ -23,8 +23,8 @@ size_t NumberIndex::SlotOf(int64_t number) const {
 }
 
 void NumberIndex::Grow() {
-    const std::vector<Slot> old =
-        std::exchange(slots_, std::vector<Slot>(std::max(kFirstSlots, slots_.size() * 2)));
+    decltype(slots_) old(std::max(kFirstSlots, slots_.size() * 2));
+    old.swap(slots_);
     for (const Slot &slot : old) {
         if (slot.path != nullptr) slots_[SlotOf(slot.number)] = slot;
     }

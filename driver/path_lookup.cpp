@@ -36,19 +36,26 @@ std::optional<int64_t> NumberOf(std::string_view id) {
     return padded ? std::nullopt : std::optional(number);
 }
 
-void IndexTrack(LibraryDriver *driver, int32_t position) {
+void IndexTrack(LibraryDriver *driver, int32_t position, DriverPath *track, std::string_view id) {
     TreeIndex &index = driver->index;
-    DriverPath *track = PathAt(driver->tracks, position);
-    const auto id = track == nullptr ? std::nullopt : FindAttribute(track, "id");
-    if (!id) return;
-    if (const auto number = NumberOf(*id)) {
+    if (const auto number = NumberOf(id)) {
         index.track_numbers.Add(*number, track);
         return;
     }
     const auto same = [&](uint32_t at) {
-        return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), *id);
+        return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id);
     };
-    index.track_ids.Add(HashOfFolded(*id), static_cast<uint32_t>(position), same);
+    index.track_ids.Add(HashOfFolded(id), static_cast<uint32_t>(position), same);
+}
+
+void IndexNewTracks(LibraryDriver *driver) {
+    int32_t &indexed = driver->index.tracks_indexed;
+    const int32_t count = GetVelmarArraySize(driver->tracks);
+    for (; indexed < count; ++indexed) {
+        DriverPath *track = PathAt(driver->tracks, indexed);
+        const auto id = track == nullptr ? std::nullopt : FindAttribute(track, "id");
+        if (id) IndexTrack(driver, indexed, track, *id);
+    }
 }
 
 auto SamePersistentId(const TreeIndex &index, std::string_view id) {
@@ -147,18 +154,21 @@ DriverPath *FindById(VelmarArray *array, std::string_view id) {
     return nullptr;
 }
 
-void IndexNewTracks(LibraryDriver *driver) {
-    TreeIndex &index = driver->index;
-    const int32_t count = GetVelmarArraySize(driver->tracks);
-    if (index.tracks_indexed == count) return;
-    for (int32_t i = index.tracks_indexed; i < count; ++i)
-        IndexTrack(driver, i);
-    index.tracks_indexed = count;
+void IndexNewTrack(LibraryDriver *driver, DriverPath *track, std::string_view id) {
+    int32_t &indexed = driver->index.tracks_indexed;
+    if (indexed != GetVelmarArraySize(driver->tracks) - 1) return;
+    IndexTrack(driver, indexed, track, id);
+    ++indexed;
+}
+
+DriverPath *FindTrackByNumber(LibraryDriver *driver, int64_t id) {
+    IndexNewTracks(driver);
+    return driver->index.track_numbers.Find(id);
 }
 
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {
+    if (const auto number = NumberOf(id)) return FindTrackByNumber(driver, *number);
     IndexNewTracks(driver);
-    if (const auto number = NumberOf(id)) return driver->index.track_numbers.Find(*number);
     const auto same = [=](uint32_t at) {
         return HasId(PathAt(driver->tracks, static_cast<int32_t>(at)), id);
     };

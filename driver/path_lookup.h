@@ -47,12 +47,14 @@ void NoteDroppedChild(DriverPath *parent);
 // The first path of an array whose `id` equals the text, with ASCII case ignored, or null. Walks the array.
 DriverPath *FindById(VelmarArray *array, std::string_view id);
 
-// Takes tracks that are new in `tracks` into the index. FindTrackById does so too; a track that is still at
-// hand costs less.
-void IndexNewTracks(LibraryDriver *driver);
+// Takes the last one of `tracks`, which is new there, into the index, under its id. The lookups do so too; a
+// track that is still at hand costs less.
+void IndexNewTrack(LibraryDriver *driver, DriverPath *track, std::string_view id);
 
 // The same among all tracks of the library, without a walk.
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id);
+
+DriverPath *FindTrackByNumber(LibraryDriver *driver, int64_t id);
 
 // The node with this persistent id, case counting, that a depth-first walk from the root meets first, or
 // null.

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/commands.h"
@@ -10,6 +12,7 @@
 #include "host/get_report.h"
 #include "host/progress.h"
 #include "host/target_file.h"
+#include "host/thumbnail.h"
 
 namespace velmarhost {
 namespace {
@@ -21,6 +24,23 @@ constexpr int32_t kChunkBytes = 256 * 1024;
 // Failures of the target that every further file would meet as well.
 bool EndsEverything(const std::error_code &error) {
     return error == std::errc::no_space_on_device || error == std::errc::read_only_file_system;
+}
+
+struct Cover {
+    std::string bytes;
+    std::string extension;
+};
+
+// The largest picture of a file, as a file that any program can show. Throws HostError.
+Cover ReadCover(LibrarySession &session, const std::string &path) {
+    Picture picture = ReadThumbnail(session, path, std::nullopt);
+    const PictureFormat format = FormatOf(picture);
+    if (IsRaw(format)) return {AsPng(picture), ".png"};
+    const std::string_view extension = FormatExtension(format);
+    if (extension.empty()) {
+        throw HostError(ExitCode::kIncomplete, "\"" + picture.path + "\" is no picture of a known format");
+    }
+    return {std::move(picture.bytes), std::string(extension)};
 }
 
 class Getter {
@@ -40,7 +60,7 @@ class Getter {
         for (const PlannedFile &file : plan_.files) {
             if (stopped_) break;
             progress_.BeginFile(file.name);
-            GetOne(file);
+            if (GetOne(file) && !file.cover.empty()) GetCover(file);
             progress_.EndFile(file.size.value_or(0));
         }
         progress_.Clear();
@@ -58,37 +78,46 @@ class Getter {
         }
     }
 
-    void GetOne(const PlannedFile &file) {
+    // True when the file is on the disk now.
+    bool GetOne(const PlannedFile &file) {
         const fs::path target = plan_.folders[file.folder] / file.name;
         const Existing existing = LookAtTarget(target, file.size, file.modified);
         if (existing == Existing::kNothing || options_.overwrite) {
-            Fetch(file, target);
-        } else if (existing == Existing::kSame) {
-            report_.AddAlreadyThere();
-        } else {
-            report_.AddProblem("another file has the name already; --overwrite replaces it", target.string());
+            return Fetch(file, target);
         }
+        if (existing == Existing::kSame) {
+            report_.AddAlreadyThere();
+            return true;
+        }
+        report_.AddProblem("another file has the name already; --overwrite replaces it", target.string());
+        return false;
     }
 
-    void Fetch(const PlannedFile &file, const fs::path &target) {
+    bool Fetch(const PlannedFile &file, const fs::path &target) {
         StreamFailure failure;
         const std::unique_ptr<MediaStream> stream = session_.OpenStream(file.path, failure);
-        if (!stream) return TellWhyNotOpened(file, failure);
+        if (!stream) {
+            TellWhyNotOpened(file, failure);
+            return false;
+        }
         try {
-            Copy(*stream, file, target);
+            return Copy(*stream, file, target);
         } catch (const std::system_error &error) {
             Fail("could not be written: " + error.code().message(), target.string(), error.code());
+            return false;
         }
     }
 
-    void Copy(MediaStream &stream, const PlannedFile &file, const fs::path &target) {
+    bool Copy(MediaStream &stream, const PlannedFile &file, const fs::path &target) {
         TargetFile copy(target.parent_path());
         uint64_t bytes = 0;
         while (true) {
             const int32_t count = stream.Read(buffer_.data(), kChunkBytes);
             if (count == 0) break;
-            if (count < 0 || count > kChunkBytes)
-                return report_.AddProblem("could not be read to the end", file.path);
+            if (count < 0 || count > kChunkBytes) {
+                report_.AddProblem("could not be read to the end", file.path);
+                return false;
+            }
             copy.Write({buffer_.data(), static_cast<std::size_t>(count)});
             bytes += static_cast<uint64_t>(count);
             progress_.AddBytes(static_cast<uint64_t>(count));
@@ -98,6 +127,27 @@ class Getter {
         // A stream has no way to tell a failing disk from the end of the file.
         if (bytes < file.size.value_or(0))
             report_.AddProblem("shorter than the library says; look at it", target.string());
+        return true;
+    }
+
+    bool HasCover(const fs::path &folder, const std::string &stem) const {
+        return std::any_of(kCoverExtensions.begin(), kCoverExtensions.end(), [&](std::string_view extension) {
+            return LookAtTarget(folder / (stem + std::string(extension)), {}, {}) != Existing::kNothing;
+        });
+    }
+
+    void GetCover(const PlannedFile &file) {
+        const fs::path &folder = plan_.folders[file.folder];
+        if (!options_.overwrite && HasCover(folder, file.cover)) return report_.AddCoverAlreadyThere();
+        try {
+            const Cover cover = ReadCover(session_, file.path);
+            WriteWholeFile(folder / (file.cover + cover.extension), cover.bytes);
+            report_.AddCover();
+        } catch (const HostError &error) {
+            report_.AddCoverLost(error.what());
+        } catch (const std::system_error &error) {
+            Fail("its cover could not be written: " + error.code().message(), file.path, error.code());
+        }
     }
 
     void TellWhyNotOpened(const PlannedFile &file, const StreamFailure &failure) {

@@ -8,6 +8,7 @@
 #include "host/node_words.h"
 #include "host/suggestion.h"
 #include "host/text.h"
+#include "host/thumbnail.h"
 #include "host/tree_walk.h"
 
 namespace velmarhost {
@@ -50,6 +51,7 @@ void WriteColumns(const WalkEntry &entry, const Options &options, Output &output
     output.Text(PadRight(std::string(reached ? TypeWord(*entry.node) : "unreachable"), kTypeColumn));
     output.Text(" " + PadLeft(reached ? SizeText(*entry.node, options.human_sizes) : "-", kSizeColumn));
     output.Text("  " + (reached ? DateText(*entry.node) : PadRight("-", 16)) + "  ");
+    output.Raw(reached && HasThumbnail(*entry.node) ? "*  " : "   ");
 }
 
 void WriteEntry(const WalkEntry &entry, const Options &options, Output &output) {
@@ -75,6 +77,7 @@ ExitCode RunLs(const Options &options, LibrarySession &session, Output &output) 
     TreeWalk walk(session, path, {.max_depth = 1, .enter_files = true});
     JsonEntries entries(session, output);
     walk.Next();  // the node itself
+    // A track tells of its picture only after a walk into some file, and each entry is such a walk itself.
     while (const WalkEntry *entry = walk.Next()) {
         if (options.json) {
             entries.Add(*entry);

@@ -14,6 +14,7 @@ ExitCode RunTree(const Options &options, LibrarySession &session, Output &output
 ExitCode RunLs(const Options &options, LibrarySession &session, Output &output);
 ExitCode RunStat(const Options &options, LibrarySession &session, Output &output);
 ExitCode RunCat(const Options &options, LibrarySession &session, Output &output);
+ExitCode RunThumb(const Options &options, LibrarySession &session, Output &output);
 ExitCode RunGet(const Options &options, LibrarySession &session, Output &output);
 
 }  // namespace velmarhost

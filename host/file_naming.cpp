@@ -104,4 +104,30 @@ std::string FolderNames::Take(const FileName &wanted) {
     }
 }
 
+bool FolderNames::TakeAll(const std::string &stem, std::span<const std::string_view> extensions) {
+    const auto folded = [&stem](std::string_view extension) {
+        return FoldCase(stem + std::string(extension));
+    };
+    const bool taken = std::any_of(extensions.begin(), extensions.end(), [&](std::string_view extension) {
+        return last_numbers_.contains(folded(extension));
+    });
+    if (taken) return false;
+    for (const std::string_view extension : extensions)
+        last_numbers_.emplace(folded(extension), 1);
+    return true;
+}
+
+std::string FolderNames::TakeStem(const std::string &wanted, std::span<const std::string_view> extensions) {
+    std::size_t longest = 0;
+    for (const std::string_view extension : extensions)
+        longest = std::max(longest, extension.size());
+    std::size_t &last_number = last_stem_numbers_[FoldCase(wanted)];
+    while (true) {
+        ++last_number;
+        const std::string number = last_number == 1 ? "" : " (" + std::to_string(last_number) + ")";
+        std::string stem = CutStem(wanted, number.size() + longest) + number;
+        if (TakeAll(stem, extensions)) return stem;
+    }
+}
+
 }  // namespace velmarhost

@@ -2,6 +2,7 @@
 #define HOST_FILE_NAMING_H
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,10 +39,16 @@ class FolderNames {
     // The safe name for a new entry: the wanted one, or that with a number behind it. The order of the calls
     // decides, and what is on the disk does not, so that the same calls give the same names again.
     std::string Take(const FileName &wanted);
+    // A stem for a file whose extension is not known yet, but is one of these: its names with all of them are
+    // free and are taken. `wanted` must be the stem of a safe name.
+    std::string TakeStem(const std::string &wanted, std::span<const std::string_view> extensions);
 
   private:
+    bool TakeAll(const std::string &stem, std::span<const std::string_view> extensions);
+
     // By the folded name: the last number that was put behind it, where 1 stands for the name alone.
     std::unordered_map<std::string, std::size_t> last_numbers_;
+    std::unordered_map<std::string, std::size_t> last_stem_numbers_;  // the same for TakeStem
 };
 
 }  // namespace velmarhost

@@ -6,6 +6,7 @@
 
 #include "host/file_naming.h"
 #include "host/suggestion.h"
+#include "host/thumbnail.h"
 
 namespace velmarhost {
 namespace {
@@ -47,13 +48,25 @@ class Planner {
         }
     }
 
-    GetPlan Finish() { return std::move(plan_); }
+    GetPlan Finish() {
+        for (const PlannedCover &cover : covers_) {
+            PlannedFile &file = plan_.files[cover.file];
+            file.cover = states_[file.folder].names.TakeStem(cover.stem, kCoverExtensions);
+        }
+        return std::move(plan_);
+    }
 
   private:
     // What is known of a planned folder besides its path.
     struct FolderState {
         FolderNames names;
         std::unordered_set<const void *> sources;  // of its files
+    };
+
+    // A cover whose name waits until all files have theirs.
+    struct PlannedCover {
+        std::size_t file;  // index in the plan's files
+        std::string stem;
     };
 
     std::size_t AddFolder(const std::filesystem::path &path) {
@@ -72,10 +85,14 @@ class Planner {
         const Node &node = *entry.node;
         if (!states_[folder].sources.insert(node.identity()).second) return;
         const bool by_title = options_.names == FileNames::kTitle;
-        const FileName name = by_title ? TitleFileName(node, entry.name) : TreeFileName(entry.name);
-        PlannedFile file{
-            entry.path,      folder,         states_[folder].names.Take(name), session_.Location(node),
-            KnownSize(node), KnownTime(node)};
+        const FileName wanted = by_title ? TitleFileName(node, entry.name) : TreeFileName(entry.name);
+        const FileName safe = MakeSafe(wanted);
+        const std::string name = states_[folder].names.Take(safe);
+        if (options_.with_artwork && HasThumbnail(node)) {
+            covers_.push_back({plan_.files.size(), name.substr(0, name.size() - safe.extension.size())});
+        }
+        PlannedFile file{entry.path,      folder,         name, {}, session_.Location(node),
+                         KnownSize(node), KnownTime(node)};
         plan_.total_bytes += file.size.value_or(0);
         plan_.files.push_back(std::move(file));
     }
@@ -84,6 +101,7 @@ class Planner {
     const Options &options_;
     GetPlan plan_;
     std::vector<FolderState> states_;  // parallel to the plan's folders
+    std::vector<PlannedCover> covers_;
 };
 
 }  // namespace

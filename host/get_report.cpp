@@ -58,10 +58,19 @@ void GetReport::AddProblem(const std::string &reason, const std::string &path) {
     problems_[reason].paths.push_back(path);
 }
 
+void GetReport::AppendCovers(bool all, std::vector<std::string> &lines) const {
+    if (covers_got_ + covers_already_there_ + covers_lost_.size() == 0) return;
+    lines.push_back("got " + FormatCount(covers_got_, "cover", "covers") + ", " +
+                    std::to_string(covers_already_there_) + " already there, " +
+                    std::to_string(covers_lost_.size()) + " could not be read");
+    AppendPaths(covers_lost_, all, lines);
+}
+
 std::vector<std::string> GetReport::Lines(bool all_paths) const {
     std::vector<std::string> lines = {"got " + FormatCount(got_, "file", "files") + " (" +
                                       FormatSize(bytes_) + "), " + std::to_string(already_there_) +
                                       " already there"};
+    AppendCovers(all_paths, lines);
     for (const auto &[reason, group] : problems_) {
         lines.push_back("  " + FormatCount(group.paths.size(), "entry", "entries") + ": " + reason);
         AppendPaths(group.paths, all_paths, lines);

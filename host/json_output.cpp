@@ -4,6 +4,7 @@
 
 #include "host/node_words.h"
 #include "host/system.h"
+#include "host/thumbnail.h"
 
 namespace velmarhost {
 namespace {
@@ -29,6 +30,7 @@ Json EntryObject(const LibrarySession &session, const WalkEntry &entry) {
     object["kind"] = node.kind();
     object["category"] = node.category();
     object["subcategory"] = node.subcategory();
+    object["has_thumbnail"] = HasThumbnail(node);
     Json &attributes = object["attributes"] = Json::object();
     for (const auto &[key, value] : session.Attributes(node))
         attributes.emplace(key, value);

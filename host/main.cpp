@@ -23,6 +23,8 @@ ExitCode RunCommand(const Options &options, LibrarySession &session, Output &out
             return RunStat(options, session, output);
         case Command::kCat:
             return RunCat(options, session, output);
+        case Command::kThumb:
+            return RunThumb(options, session, output);
         case Command::kGet:
             return RunGet(options, session, output);
     }

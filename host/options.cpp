@@ -19,7 +19,8 @@ constexpr const char *kFooter =
 Examples:
   velmarhost tree --depth 2
   velmarhost ls -l library/music
-  velmarhost get library/music --to ~/Music
+  velmarhost thumb library/music/1234.mp3 --png -o cover.png
+  velmarhost get library/music --to ~/Music --with-artwork
   velmarhost --library old/iTunes/iTunes\ Library.xml --media old/iTunes/iTunes\ Media \
              get playlist/Favourites --to .
 
@@ -41,6 +42,7 @@ constexpr const char *kStatFooter =
   depth               levels below PATH
   reachable           whether the path leads to the entry; if not, "problem" says why, and what follows is missing
   type                a word, such as "music" or "playlist"
+  has_thumbnail       whether the driver knows of a picture, which velmarhost thumb gives
   kind, category, subcategory   the driver's numbers
   attributes          an object of texts
   children            stat only: the names below the node
@@ -49,7 +51,17 @@ Bytes that are no UTF-8 appear as U+FFFD.)";
 constexpr const char *kGetFooter =
     R"(A folder of the tree becomes a folder in DIR. A file that is there already stays as it is, so the same command goes on
 where an earlier one stopped. Each file is written under a name ".velmarhost-*.part" first and renamed when it is
-complete.)";
+complete.
+
+With --with-artwork every file that has a picture gets the largest one beside it, under its own name with the picture's
+extension, such as .jpg or .png. A picture that cannot be read is counted and is no failure.)";
+
+constexpr const char *kThumbFooter =
+    R"(PATH is that of a file, such as library/music/1234.mp3, of its "thumb", or of one thumbnail below that. ls -l marks
+files that have a picture.
+
+A picture comes as it is: a PNG or JPEG file, or raw pixels without any header, which few programs can show. --png makes
+a PNG of raw pixels and leaves a PNG alone; a JPEG it refuses. A file that is there already is replaced.)";
 
 void AddGlobalOptions(CLI::App &app, Options &options) {
     app.add_option("--library", options.library.library,
@@ -103,7 +115,8 @@ void AddTree(CLI::App &app, Options &options) {
 void AddLs(CLI::App &app, Options &options) {
     CLI::App *ls = AddCommand(app, options, Command::kLs, "ls", "List the children of a node");
     AddPath(ls, options, false);
-    ls->add_flag("-l,--long", options.long_list, "Columns: type, size, date, name, title");
+    ls->add_flag("-l,--long", options.long_list,
+                 "Columns: type, size, date, mark, name, title. The mark * stands at what has a picture");
     ls->add_flag("--human", options.human_sizes, "With -l: sizes as 1.2 MB");
     ls->add_flag("--json", options.json, kJsonHelp);
 }
@@ -127,6 +140,23 @@ void AddCat(CLI::App &app, Options &options) {
         ->check(CLI::NonNegativeNumber);
 }
 
+void AddThumb(CLI::App &app, Options &options) {
+    CLI::App *thumb =
+        AddCommand(app, options, Command::kThumb, "thumb", "Write the picture of a file: cover or icon");
+    AddPath(thumb, options, true);
+    thumb->add_option("-o,--output", options.file, "File to write; - is standard output")
+        ->type_name("FILE")
+        ->required();
+    const std::map<std::string, ThumbnailSize> sizes = {{"small", ThumbnailSize::kSmall},
+                                                        {"middle", ThumbnailSize::kMiddle},
+                                                        {"large", ThumbnailSize::kLarge}};
+    thumb->add_option("--size", options.thumbnail_size, "small, middle or large; the largest without it")
+        ->type_name("SIZE")
+        ->transform(CLI::CheckedTransformer(sizes).description(""));
+    thumb->add_flag("--png", options.png, "Make a PNG of raw pixels");
+    thumb->footer(kThumbFooter);
+}
+
 void AddGet(CLI::App &app, Options &options) {
     CLI::App *get =
         AddCommand(app, options, Command::kGet, "get", "Copy files and whole folders of the tree to disk");
@@ -139,6 +169,7 @@ void AddGet(CLI::App &app, Options &options) {
         ->type_name("HOW")
         ->transform(CLI::CheckedTransformer(names).description(""));
     get->add_flag("--overwrite", options.overwrite, "Write files again that are there already");
+    get->add_flag("--with-artwork", options.with_artwork, "Put the picture of each file beside it");
     get->footer(kGetFooter);
 }
 
@@ -166,6 +197,7 @@ std::optional<Options> ParseOptions(int argument_count, char **arguments) {
     AddLs(app, options);
     AddStat(app, options);
     AddCat(app, options);
+    AddThumb(app, options);
     AddGet(app, options);
     try {
         app.parse(argument_count, arguments);

@@ -10,10 +10,11 @@
 
 #include "host/output.h"
 #include "host/private_environment.h"
+#include "host/thumbnail.h"
 
 namespace velmarhost {
 
-enum class Command { kTree, kLs, kStat, kCat, kGet };
+enum class Command { kTree, kLs, kStat, kCat, kThumb, kGet };
 enum class FileNames { kTitle, kPath };
 
 // What the user asked for. An option stands at its default where the command does not know it.
@@ -36,6 +37,10 @@ struct Options {
     std::filesystem::path target;
     FileNames names = FileNames::kTitle;
     bool overwrite = false;
+    bool with_artwork = false;
+    std::optional<ThumbnailSize> thumbnail_size;
+    std::string file;  // to write the thumbnail to; "-" is standard output
+    bool png = false;
 };
 
 // Reads the command line. Empty after --help or --version, which are answered here. Throws HostError with

@@ -92,6 +92,7 @@ void PrivateEnvironment::UseLibrary(const LibraryChoice &choice) {
     if (!choice.media.empty()) {
         RequireFolder(choice.media, "--media");
         media_ = fs::canonical(choice.media);
+        shown_folders_.emplace_back(root() / "media", media_);
         LinkMedia();
     }
     PlaceLibrary(choice.library);
@@ -132,7 +133,9 @@ void PrivateEnvironment::PlaceLibrary(const fs::path &library) {
     }
     const fs::path artwork = original.parent_path() / "Album Artwork";
     std::error_code ignored;
-    if (fs::exists(artwork, ignored)) fs::create_symlink(artwork, root() / "library" / "Album Artwork");
+    if (!fs::exists(artwork, ignored)) return;
+    fs::create_symlink(artwork, root() / "library" / "Album Artwork");
+    shown_folders_.emplace_back(root() / "library" / "Album Artwork", artwork);
 }
 
 void PrivateEnvironment::PlaceXml(const fs::path &library, const fs::path &target) const {
@@ -181,13 +184,16 @@ void PrivateEnvironment::UseDrives(const std::vector<std::string> &drives) {
 }
 
 std::string PrivateEnvironment::TellLocation(std::string_view location) const {
-    const std::string private_media = (root() / "media").string().substr(1) + "/";
     const std::string plain = ForwardSlashes(location);
+    // The driver may leave out the separator in front, or double it.
     const std::size_t begin = std::min(plain.find_first_not_of('/'), plain.size());
-    if (media_.empty() || plain.compare(begin, private_media.size(), private_media) != 0) {
-        return std::string(location);
+    for (const auto &[shown, real] : shown_folders_) {
+        const std::string start = shown.string().substr(1) + "/";
+        if (plain.compare(begin, start.size(), start) == 0) {
+            return (real / plain.substr(begin + start.size())).string();
+        }
     }
-    return (media_ / plain.substr(begin + private_media.size())).string();
+    return std::string(location);
 }
 
 }  // namespace velmarhost

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/cleanup.h"
@@ -35,7 +36,8 @@ class PrivateEnvironment {
     // Throws HostError with code kUsage or kLibrary.
     explicit PrivateEnvironment(const LibraryChoice &choice);
 
-    // A location as the user knows it: one inside the private media folder is told as one in the real folder.
+    // A location as the user knows it: one inside a private folder of links is told as one in the real
+    // folder.
     std::string TellLocation(std::string_view location) const;
 
   private:
@@ -49,6 +51,8 @@ class PrivateEnvironment {
     ScratchPath folder_;
     std::filesystem::path media_;              // the real media folder; empty without one
     std::vector<std::string> unlinked_media_;  // its entries that are not linked
+    // Private folders that show a real one, with that one.
+    std::vector<std::pair<std::filesystem::path, std::filesystem::path>> shown_folders_;
 };
 
 }  // namespace velmarhost

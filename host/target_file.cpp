@@ -65,4 +65,10 @@ void TargetFile::Finish(const fs::path &target, std::optional<int64_t> modified)
     fs::rename(scratch_.path(), target);
 }
 
+void WriteWholeFile(const fs::path &target, std::string_view bytes) {
+    TargetFile file(target.parent_path());
+    file.Write(bytes);
+    file.Finish(target, std::nullopt);
+}
+
 }  // namespace velmarhost

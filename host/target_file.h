@@ -42,6 +42,9 @@ class TargetFile {
     std::unique_ptr<std::FILE, Closer> file_;
 };
 
+// A whole file at once, in the place of what has the name already. Throws std::system_error.
+void WriteWholeFile(const std::filesystem::path &target, std::string_view bytes);
+
 }  // namespace velmarhost
 
 #endif

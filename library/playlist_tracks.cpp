@@ -5,10 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "content/app_info.h"
+#include "content/app_thumb.h"
+#include "content/book_thumb.h"
+#include "content/epub_archive.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "library/playlists.h"
-#include "platform/windows/windows_api.h"
 
 namespace {
 
@@ -21,53 +24,60 @@ void TakeNumbers(DriverPath *track, const DriverPath *list) {
     track->subcategory = list->subcategory;
 }
 
-bool IsBookList(const DriverPath *list) {
-    return HasNumbers(list, node_category::kBook, node_subcategory::kBook);
+// The numbers of a list and of the tracks under it.
+bool IsBook(const DriverPath *path) {
+    return HasNumbers(path, node_category::kBook, node_subcategory::kBook);
 }
 
-bool IsRingtoneList(const DriverPath *list) {
-    return HasNumbers(list, node_category::kAudio, node_subcategory::kRingtone);
+bool IsRingtone(const DriverPath *path) {
+    return HasNumbers(path, node_category::kAudio, node_subcategory::kRingtone);
 }
 
-bool IsApplicationList(const DriverPath *list) {
-    return HasNumbers(list, node_category::kApplication, node_subcategory::kApplication);
+bool IsApplication(const DriverPath *path) {
+    return HasNumbers(path, node_category::kApplication, node_subcategory::kApplication);
 }
 
-const char *BookFormat(std::string_view extension) {
-    if (_stricmp(extension.data(), ".epub") == 0) return "EPUB";
-    if (_stricmp(extension.data(), ".pdf") == 0) return "PDF";
-    return "Unknown";
+// `location` has "\" as separator, as all locations below.
+void AddApplication(DriverPath *track, const std::string &location) {
+    AppInfo info;
+    if (ReadAppInfo(location, info) == 0) AddAppThumb(track, info, location);
 }
 
-void AddBookThumb(DriverPath *track, std::string location) {
+void AddBook(DriverPath *track, const std::string &location) {
     SetAttribute(track, "media_has_thumb", "true");
-    const std::string_view extension = ExtensionOfPath(location);
+    const std::string extension(ExtensionOfPath(location));
     if (!extension.empty()) SetAttribute(track, "format", BookFormat(extension));
-    ReplaceChar(location, '/', '\\');
-    DriverPath *thumb = CreateDriverPath(track->owner, node_kind::kFolder, node_category::kThumbnail,
-                                         node_subcategory::kThumbOfTrack);
-    AddAttribute(thumb, "location", location.c_str());
-    AppendChild(track, "thumb", thumb);
+    AddBookThumb(track, BookForm::kFile, location, ReadEpubArchive(location, nullptr));
 }
 
 // What a list of books or applications adds to a track that has a file.
 void AddToMediaList(DriverPath *track, const DriverPath *list) {
-    if (IsBookList(list) || IsRingtoneList(list)) TakeNumbers(track, list);
-    if (!IsBookList(list) && !IsApplicationList(list)) return;
-    const auto location = FindAttribute(track, "location");
-    if (!location || location->empty()) return;
-    if (IsApplicationList(list)) TakeNumbers(track, list);
-    if (IsBookList(list)) AddBookThumb(track, std::string(*location));
+    if (IsBook(list) || IsRingtone(list)) TakeNumbers(track, list);
+    if (!IsBook(list) && !IsApplication(list)) return;
+    const auto found = FindAttribute(track, "location");
+    if (!found || found->empty()) return;
+    // A track is read once, however often lists name it.
+    const bool read_before =
+        IsApplication(list) ? IsApplication(track) : FindChild(track, "thumb") != nullptr;
+    if (IsApplication(list)) TakeNumbers(track, list);
+    if (read_before) return;
+    std::string location(*found);
+    ReplaceChar(location, '/', '\\');
+    if (IsBook(list)) {
+        AddBook(track, location);
+    } else {
+        AddApplication(track, location);
+    }
 }
 
 }  // namespace
 
 void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
+    DriverPath *track = FindTrackByNumber(driver, id);
+    if (track == nullptr) return;
     constexpr size_t kMostDigits = 24;
     char name[kMostDigits + kLongestListExtension + 1] = {};
     char *end = std::to_chars(name, name + kMostDigits, id).ptr;
-    DriverPath *track = FindTrackById(driver, {name, static_cast<size_t>(end - name)});
-    if (track == nullptr) return;
     std::copy(std::begin(track->list_extension), std::end(track->list_extension), end);
     AppendChild(list, name, track);
     ++track->share_count;

@@ -8,31 +8,47 @@
 #include "driver/attributes.h"
 #include "library/add_folder.h"
 #include "library/track_keys.h"
+#include "platform/windows/windows_api.h"
 
 namespace {
 
 // What makes a track a video, in the order of the tests.
 struct VideoTest {
-    const char *attribute;
+    size_t row;
     int32_t subcategory;
 };
 
+constexpr size_t kLocationRow = RowOfAttribute("location");
 constexpr VideoTest kVideoTests[] = {
-    {"is_podcast", node_subcategory::kPodcast},
-    {"is_tvshow", node_subcategory::kTvShow},
-    {"is_movie", node_subcategory::kMovie},
-    {"has_video", node_subcategory::kMovie},
+    {RowOfAttribute("is_podcast"), node_subcategory::kPodcast},
+    {RowOfAttribute("is_tvshow"), node_subcategory::kTvShow},
+    {RowOfAttribute("is_movie"), node_subcategory::kMovie},
+    {RowOfAttribute("has_video"), node_subcategory::kMovie},
 };
 
-void Classify(DriverPath *path) {
+// The value of each row of TrackKeyTable, or null.
+using TrackRows = std::array<CFTypeRef, kTrackKeyCount>;
+
+bool IsTrue(CFTypeRef value, TrackImportRoom &room) {
+    const auto text = value == nullptr ? std::nullopt : PlistText(value, 0, room.text);
+    return text && _stricmp(text->data(), "true") == 0;
+}
+
+void Classify(DriverPath *path, const TrackRows &rows, TrackImportRoom &room) {
     path->category = node_category::kAudio;
     path->subcategory = node_subcategory::kMusic;
     for (const VideoTest &test : kVideoTests) {
-        if (!IsAttributeTrue(path, test.attribute)) continue;
+        if (!IsTrue(rows[test.row], room)) continue;
         path->category = node_category::kVideo;
         path->subcategory = test.subcategory;
         return;
     }
+}
+
+// Here, where the text is at hand, and not at each of the lists that will hold the track.
+void AddTrackAttribute(DriverPath *path, size_t row, std::string_view text) {
+    AddAttribute(path, TrackKeyTable[row].attribute, text.data());
+    if (row == kLocationRow) ExtensionOfPath(text).copy(path->list_extension, kLongestListExtension);
 }
 
 void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
@@ -54,7 +70,7 @@ std::optional<size_t> RowOf(const void *key, TrackImportRoom &room) {
 
 void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
     // One pass over the entries finds the value of each row; a lookup of each row would be a pass for each.
-    std::array<CFTypeRef, kTrackKeyCount> rows = {};
+    TrackRows rows = {};
     ReadEntries(path->track_dictionary, room);
     for (size_t i = 0; i < room.keys.size(); ++i) {
         if (const auto row = RowOf(room.keys[i], room)) rows[*row] = room.values[i];
@@ -62,21 +78,16 @@ void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
     for (size_t row = 0; row < kTrackKeyCount; ++row) {
         if (rows[row] == nullptr) continue;
         const auto text = PlistText(rows[row], TrackKeyTable[row].flags, room.text);
-        if (text) SetAttribute(path, TrackKeyTable[row].attribute, text->data());
+        if (text) AddTrackAttribute(path, row, *text);
     }
+    Classify(path, rows, room);
 }
 
 void ImportParserTrack(DriverPath *path) {
     for (size_t row = 0; row < kTrackKeyCount; ++row) {
         const auto text = TrackFieldText(*path->parser_track, row, TrackKeyTable[row].flags);
-        if (text) SetAttribute(path, TrackKeyTable[row].attribute, text->c_str());
+        if (text) AddTrackAttribute(path, row, *text);
     }
-}
-
-// Here, where the attributes are at hand, and not at each of the lists that will hold the track.
-void KeepListExtension(DriverPath *path) {
-    const auto location = FindAttribute(path, "location");
-    if (location) ExtensionOfPath(*location).copy(path->list_extension, kLongestListExtension);
 }
 
 DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
@@ -84,7 +95,7 @@ DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
         CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
     AddAttribute(path, "id", id);
     AddVelmarArrayItem(driver->tracks, path);
-    IndexNewTracks(driver);
+    IndexNewTrack(driver, path, id);
     return path;
 }
 
@@ -137,9 +148,7 @@ int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room) {
     } else {
         if (!IsDictionary(path->track_dictionary)) return -1;
         ImportDictionary(path, room);
-        Classify(path);
         path->track_dictionary = nullptr;
     }
-    KeepListExtension(path);
     return 0;
 }

@@ -49,6 +49,13 @@ constexpr std::array<TrackKey, kTrackKeyCount> TrackKeyTable = {{
     {"Podcast", "is_podcast", 0},
 }};
 
+constexpr size_t RowOfAttribute(std::string_view attribute) {
+    size_t row = 0;
+    while (TrackKeyTable[row].attribute != attribute)
+        ++row;
+    return row;
+}
+
 // The row of an XML key, or empty for a key that gives no attribute.
 std::optional<size_t> FindTrackKey(std::string_view xml_key);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <span>
 
 #include "platform/core_foundation/container.h"
@@ -45,8 +46,7 @@ size_t CountOf(const Value &container) {
 
 const Value *FindValue(const Value &dictionary, std::string_view key) {
     if (Has(dictionary, kMutable)) return AsMutableDictionary(dictionary).Find(key);
-    const Pair *pair = FindPair(dictionary, key);
-    return pair == nullptr ? nullptr : &pair->value;
+    return FindMember(dictionary, key);
 }
 
 std::vector<const Value *> ChildrenOf(const Value &container) {
@@ -66,9 +66,10 @@ std::vector<const Value *> ChildrenOf(const Value &container) {
         }
         return children;
     }
+    const bool is_shaped = Has(container, kShaped);
     for (size_t i = 0; i < count; ++i) {
-        children.push_back(container.pairs[i].key);
-        children.push_back(&container.pairs[i].value);
+        children.push_back(is_shaped ? container.members->keys[i] : container.pairs[i].key);
+        children.push_back(is_shaped ? container.members->values() + i : &container.pairs[i].value);
     }
     return children;
 }
@@ -120,6 +121,13 @@ void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void **keys,
         Fill(
             AsMutableDictionary(record).entries(), keys, values, [](const Entry &entry) { return entry.key; },
             [](const Entry &entry) { return entry.value; });
+        return;
+    }
+    if (Has(record, kShaped)) {
+        const Value *values_begin = record.members->values();
+        if (keys != nullptr) std::copy_n(record.members->keys, record.length, keys);
+        for (uint32_t i = 0; values != nullptr && i < record.length; ++i)
+            values[i] = values_begin + i;
         return;
     }
     Fill(

@@ -70,28 +70,31 @@ IndexHeader IndexBuilder::MoveTo(Document &document) {
 
 namespace {
 
-const Pair *FindOrdered(const Value &dictionary, std::string_view key) {
+const Value *FindOrdered(const Value &dictionary, std::string_view key) {
     const Pair *end = dictionary.pairs + dictionary.length;
     const Pair *found = std::partition_point(
         dictionary.pairs, end, [&](const Pair &pair) { return KeyComesBefore(TextOf(*pair.key), key); });
-    return found != end && TextOf(*found->key) == key ? found : nullptr;
+    return found != end && TextOf(*found->key) == key ? &found->value : nullptr;
+}
+
+const Value *FindIndexed(const Value &dictionary, std::string_view key) {
+    const Pair *pairs = dictionary.pairs;
+    const IndexHeader &index = reinterpret_cast<const IndexHeader *>(pairs)[-1];
+    const uint32_t pair = index.slots[FindSlot(index.slots, index.mask, pairs, key, UpperHash(key))].pair;
+    return pair == IndexSlot::kFree ? nullptr : &pairs[pair].value;
 }
 
 }  // namespace
 
-const Pair *FindPair(const Value &dictionary, std::string_view key) {
+const Value *FindMember(const Value &dictionary, std::string_view key) {
     if (Has(dictionary, kOrdered)) return FindOrdered(dictionary, key);
-    const Pair *pairs = dictionary.pairs;
-    if (Has(dictionary, kIndexed)) {
-        const IndexHeader &index = reinterpret_cast<const IndexHeader *>(pairs)[-1];
-        const uint32_t pair = index.slots[FindSlot(index.slots, index.mask, pairs, key, UpperHash(key))].pair;
-        return pair == IndexSlot::kFree ? nullptr : pairs + pair;
-    }
+    if (Has(dictionary, kIndexed)) return FindIndexed(dictionary, key);
     const auto hash = static_cast<uint16_t>(TextHash(key));
-    const Pair *end = pairs + dictionary.length;
-    const Pair *found = std::find_if(
-        pairs, end, [&](const Pair &pair) { return pair.key->hash == hash && TextOf(*pair.key) == key; });
-    return found == end ? nullptr : found;
+    const Value *const *keys = dictionary.members->keys;
+    const Value *const *end = keys + dictionary.length;
+    const Value *const *found = std::find_if(
+        keys, end, [&](const Value *other) { return other->hash == hash && TextOf(*other) == key; });
+    return found == end ? nullptr : dictionary.members->values() + (found - keys);
 }
 
 }  // namespace core_foundation

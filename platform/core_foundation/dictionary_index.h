@@ -55,8 +55,8 @@ class IndexBuilder {
     size_t count_ = 0;
 };
 
-// The pair with the key, in a dictionary that is not mutable; null if there is none.
-const Pair *FindPair(const Value &dictionary, std::string_view key);
+// The value of the key, in a dictionary that is not mutable; null if there is none.
+const Value *FindMember(const Value &dictionary, std::string_view key);
 
 }  // namespace core_foundation
 

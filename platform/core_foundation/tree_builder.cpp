@@ -104,7 +104,7 @@ Value TreeBuilder::CloseArray() const {
 
 Value TreeBuilder::CloseDictionary(Frame &frame) {
     const auto count = static_cast<size_t>(top_ - base_);
-    if (count <= kIndexedFrom) return CopySmallDistinct();
+    if (count <= kIndexedFrom) return CopySmall();
     if (frame.index == nullptr) return CopyOrdered();
     return frame.has_duplicates ? CopyLargeDistinct() : CopyLarge(base_, count, *frame.index);
 }
@@ -137,25 +137,55 @@ Value TreeBuilder::CopyLargeDistinct() {
     return CopyLarge(distinct.data(), distinct.size(), index);
 }
 
-Value TreeBuilder::CopySmallDistinct() {
-    auto *copies = document_.Allocate<Pair>(static_cast<size_t>(top_ - base_));
-    Pair *end = copies;
-    ++dictionary_number_;
+// Of several values of one key the last one counts, in the place of the first.
+void TreeBuilder::DropDuplicates() {
+    Pair *end = base_;
     for (const Pair *pair = base_; pair != top_; ++pair) {
-        uint32_t &seen_in = seen_in_[pair->key->hash % seen_in_.size()];
-        if (seen_in == dictionary_number_) {
-            Pair *same = std::find_if(copies, end, [&](const Pair &earlier) {
-                return earlier.key == pair->key || TextOf(*earlier.key) == TextOf(*pair->key);
-            });
-            if (same != end) {
-                same->value = pair->value;
-                continue;
-            }
+        Pair *same = std::find_if(base_, end, [&](const Pair &earlier) {
+            return earlier.key == pair->key ||
+                   (earlier.key->hash == pair->key->hash && TextOf(*earlier.key) == TextOf(*pair->key));
+        });
+        if (same == end) {
+            *end++ = *pair;
+        } else {
+            same->value = pair->value;
         }
-        seen_in = dictionary_number_;
-        *end++ = *pair;
     }
-    return MakeDictionary(copies, static_cast<size_t>(end - copies), 0);
+    top_ = end;
+}
+
+// The keys of the innermost dictionary, in the arena. They are known to be distinct where another dictionary
+// had them.
+const Value *const *TreeBuilder::KeysOfShape() {
+    constexpr uint64_t kFactor = 0x9E3779B97F4A7C15;
+    uint64_t hash = 0;
+    for (const Pair *pair = base_; pair != top_; ++pair)
+        hash = (hash ^ reinterpret_cast<uintptr_t>(pair->key)) * kFactor;
+    Shape &latest = latest_shapes_[(hash >> 32) % latest_shapes_.size()];
+    const auto is_same = [](const Pair &pair, const Value *key) { return pair.key == key; };
+    if (std::equal(base_, top_, latest.keys, latest.keys + latest.count, is_same)) return latest.keys;
+    DropDuplicates();
+    const auto count = static_cast<size_t>(top_ - base_);
+    auto *keys = document_.Allocate<const Value *>(count);
+    std::transform(base_, top_, keys, [](const Pair &pair) { return pair.key; });
+    latest = {keys, count};
+    return keys;
+}
+
+Value TreeBuilder::CopySmall() {
+    const Value *const *keys = KeysOfShape();
+    const auto count = static_cast<size_t>(top_ - base_);
+    auto *words = document_.Allocate<uint64_t>((sizeof(Members) + count * sizeof(Value)) / sizeof(uint64_t));
+    auto *members = new (words) Members{keys};
+    auto *values = reinterpret_cast<Value *>(members + 1);
+    for (const Pair *pair = base_; pair != top_; ++pair)
+        *values++ = pair->value;
+    Value value;
+    value.type = ValueType::kDictionary;
+    value.flags = kShaped;
+    value.length = static_cast<uint32_t>(count);
+    value.members = members;
+    return value;
 }
 
 }  // namespace core_foundation

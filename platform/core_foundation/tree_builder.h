@@ -35,8 +35,12 @@ class TreeBuilder {
 
     // Gives the next value its key. The container is a dictionary that does not await a value.
     void PushKey(std::string_view text, bool is_ascii) {
-        top_->key = Intern(text, is_ascii);
-        if (static_cast<size_t>(top_ - base_) >= kIndexedFrom) CheckLastKey();
+        if (static_cast<size_t>(top_ - base_) < kIndexedFrom) {
+            top_->key = Intern(text, is_ascii);
+        } else {
+            top_->key = NewKey(text, is_ascii, TextHash(text));
+            CheckLastKey();
+        }
     }
 
     size_t depth() const { return frames_.size(); }
@@ -55,12 +59,16 @@ class TreeBuilder {
         bool has_duplicates = false;
     };
 
-    // The key value for a text. The last one with the same hash bits serves again, if it has the text.
+    // The key value for a text, shared by the small dictionaries of a list: it is looked for in two places.
     const Value *Intern(std::string_view text, bool is_ascii) {
         const uint64_t hash = TextHash(text);
-        const Value *&latest = latest_keys_[hash % latest_keys_.size()];
-        if (latest == nullptr || !SameText(TextOf(*latest), text)) latest = NewKey(text, is_ascii, hash);
-        return latest;
+        const Value *&first = known_keys_[hash % known_keys_.size()];
+        if (first != nullptr && SameText(TextOf(*first), text)) return first;
+        const Value *&second = known_keys_[(hash >> 32) % known_keys_.size()];
+        if (second != nullptr && SameText(TextOf(*second), text)) return second;
+        // Takes turns, so that two keys with one place in common soon have different ones.
+        use_second_place_ = !use_second_place_;
+        return (use_second_place_ ? second : first) = NewKey(text, is_ascii, hash);
     }
 
     const Value *NewKey(std::string_view text, bool is_ascii, uint64_t hash);
@@ -73,7 +81,9 @@ class TreeBuilder {
     Value CopyLarge(const Pair *pairs, size_t count, IndexBuilder &index);
     Value CopyLargeDistinct();
     Value CopyOrdered();
-    Value CopySmallDistinct();
+    Value CopySmall();
+    const Value *const *KeysOfShape();
+    void DropDuplicates();
 
     Document &document_;
     MemoryBlock stack_;
@@ -82,10 +92,15 @@ class TreeBuilder {
     Pair *limit_ = nullptr;
     ValueType container_ = ValueType::kNone;
     std::vector<Frame> frames_;
-    std::array<const Value *, 256> latest_keys_ = {};
-    // The last dictionary that had a key of these hash bits: tells most keys distinct without a comparison.
-    std::array<uint32_t, 1024> seen_in_ = {};
-    uint32_t dictionary_number_ = 0;
+    std::array<const Value *, 1024> known_keys_ = {};
+    bool use_second_place_ = false;
+
+    // The keys of small dictionaries: the tracks of a library have a few hundred different rows of them.
+    struct Shape {
+        const Value *const *keys = nullptr;
+        size_t count = 0;
+    };
+    std::array<Shape, 1024> latest_shapes_;
 };
 
 }  // namespace core_foundation

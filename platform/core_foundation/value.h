@@ -1,7 +1,8 @@
 // The one record behind every reference of the CoreFoundation interface.
 //
 // A value that was read from a list lies in the arena of its document, side by side with its siblings: an
-// array is a run of values, a dictionary a run of pairs. A value that the caller created is the base of a
+// array is a run of values, a dictionary a run of pairs or, if it is small, a run of values whose keys stand
+// elsewhere, once for all dictionaries with the same keys. A value that the caller created is the base of a
 // HeapObject. Both look the same to readers of the value; only retaining and releasing asks where it lies.
 #ifndef PLATFORM_CORE_FOUNDATION_VALUE_H
 #define PLATFORM_CORE_FOUNDATION_VALUE_H
@@ -35,6 +36,7 @@ enum ValueFlag : uint8_t {
     kConstant = 2,   // lives as long as the process, is never counted
     kMutable = 4,    // a heap array or dictionary, whose content the HeapObject holds
     kAscii = 8,      // string: every byte is below 0x80
+    kShaped = 8,     // dictionary: in `members`, not in `pairs`
     kReal = 16,      // number: in `real`
     kWide = 32,      // number: in `wide`, since it does not fit 64 bits
     kIndexed = 64,   // dictionary: an IndexHeader stands before the pairs
@@ -48,6 +50,7 @@ struct WideInteger {
 };
 
 struct Pair;
+struct Members;
 
 struct alignas(8) Value {
     ValueType type = ValueType::kNone;
@@ -62,6 +65,7 @@ struct alignas(8) Value {
         uint8_t *bytes;
         const Value *items;
         const Pair *pairs;
+        const Members *members;
     };
 };
 static_assert(sizeof(Value) == 16, "a library has millions of these");
@@ -71,6 +75,14 @@ struct Pair {
     const Value *key;  // always a string
     Value value;
 };
+
+// A small dictionary. Its values follow, one for each key.
+struct Members {
+    const Value *const *keys;
+
+    const Value *values() const { return reinterpret_cast<const Value *>(this + 1); }
+};
+static_assert(sizeof(Members) % alignof(Value) == 0);
 
 // Lengths are 32 bits wide, so no text, no data and no file may be longer.
 constexpr size_t kMaxLength = std::numeric_limits<uint32_t>::max() - 1;

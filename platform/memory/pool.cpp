@@ -3,10 +3,12 @@
 #include <sys/mman.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -24,6 +26,19 @@ constexpr size_t kLargestPiece = 4096;
 
 struct SlabDeleter {
     void operator()(std::byte *slab) const { ::operator delete (slab, std::align_val_t{kSlabBytes}); }
+};
+
+// Held for a few instructions, hundreds of thousands of times in a load, and hardly ever waited for.
+class SpinLock {
+  public:
+    void lock() {
+        while (busy_.test_and_set(std::memory_order_acquire))
+            std::this_thread::yield();
+    }
+    void unlock() { busy_.clear(std::memory_order_release); }
+
+  private:
+    std::atomic_flag busy_;
 };
 
 // A returned piece waits in the list of its size for the next taker.
@@ -72,7 +87,7 @@ class Pool {
         room_ = kSlabBytes;
     }
 
-    std::mutex mutex_;
+    SpinLock mutex_;
     std::vector<std::unique_ptr<std::byte[], SlabDeleter>> slabs_;
     size_t room_ = 0;  // of the last slab, at its front
     std::array<FreePiece *, kLargestPiece / kStep + 1> free_ = {};

@@ -6,79 +6,74 @@
 #include <string_view>
 
 #include "platform/memory/pool.h"
+#include "platform/velmar_path/key_table.h"
 #include "platform/velmar_path/velmar_path.h"
 
 namespace {
 
 // An item lies in one piece, so that a search runs through memory in order:
 //
-//   offset 0   uint32  room of the value, terminator included
-//          4   uint32  bytes of the key; the top bit tells that the value has moved out
-//          8   value   text and terminator, or the address of a text of its own once it has outgrown the room
-//   8 + room   key     text and terminator
+//   offset 0   uint16  number of the key
+//          2   uint16  room of the value, in words of 4 bytes; the top bit tells that the value has moved out
+//          4   room    the value's text and terminator, or the address of a text of its own
 //
-// The next item follows at the next multiple of 4.
+// The next item follows. A key without a number stands in front of such a text, which is then never in the
+// room.
 struct Item {
-    uint32_t room;
-    uint32_t key_bytes : 31;
-    uint32_t moved : 1;
+    uint16_t key;
+    uint16_t words : 15;
+    uint16_t moved : 1;
+
+    static constexpr size_t kWord = 4;
 
     char *Room() { return reinterpret_cast<char *>(this + 1); }
-    std::string_view Key() { return {Room() + room, key_bytes}; }
-    char *Value() {
-        if (!moved) return Room();
+    size_t RoomBytes() const { return words * kWord; }
+    Item *Next() { return reinterpret_cast<Item *>(Room() + RoomBytes()); }
+
+    char *Outside() {
         char *text = nullptr;
         std::memcpy(&text, Room(), sizeof text);
         return text;
     }
-    Item *Next() {
-        const size_t bytes = sizeof(Item) + room + key_bytes + 1;
-        return reinterpret_cast<Item *>(reinterpret_cast<char *>(this) + RoundUp(bytes));
+    void SetOutside(const char *text) {
+        std::memcpy(Room(), &text, sizeof text);
+        moved = 1;
     }
 
-    static constexpr size_t RoundUp(size_t bytes) { return (bytes + 3) & ~size_t{3}; }
+    std::string_view Key() { return key != kUnknownKey ? TextOfKey(key) : std::string_view(Outside()); }
+    char *Value() {
+        if (!moved) return Room();
+        return key != kUnknownKey ? Outside() : Outside() + std::strlen(Outside()) + 1;
+    }
 };
 
-static_assert(sizeof(Item) == 8);
+static_assert(sizeof(Item) == 4);
 
 constexpr size_t kLongestText = size_t{1} << 30;
-constexpr uint32_t kKeyBytesMask = 0x7FFFFFFF;
+constexpr size_t kLongestInside = 4096;
+// Room for the address of a longer value that may come later.
+constexpr size_t kLeastRoom = sizeof(char *);
 
 // Items, one behind the other. Blocks never move, so a value that a caller has found stays valid while items
 // are added.
 struct Block {
     Block *next = nullptr;
-    size_t size = 0;  // bytes of the whole block
-    size_t used = 0;  // bytes of `items`
+    uint32_t size = 0;  // of the items' room
+    uint32_t used = 0;
 
     Item *Begin() { return reinterpret_cast<Item *>(this + 1); }
     Item *End() { return reinterpret_cast<Item *>(reinterpret_cast<char *>(this + 1) + used); }
-    size_t Left() const { return size - sizeof(Block) - used; }
+    size_t Left() const { return size - used; }
 };
 
-// A track has about 600 bytes of attributes, most lists have one item.
-constexpr size_t kFirstBlockBytes = 256;
-constexpr size_t kSecondBlockBytes = 448;
-constexpr size_t kFurtherBlockBytes = 160;
-
-Block *NewBlock(size_t usual, size_t least) {
-    const size_t size = std::max(usual, sizeof(Block) + least);
-    void *memory = TakeFromPool(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return new (memory) Block{nullptr, size, 0};
-}
+// Most nodes have a few items and find room in the container itself; a track has about 400 bytes of them.
+constexpr size_t kFirstBytes = 128;
+constexpr size_t kSecondBytes = 320;
+constexpr size_t kFurtherBytes = 160;
 
 // One bit of 64 for a key: a bit that no stored key has set tells an absent key without a look at the items.
-uint64_t KeyBit(std::string_view key) {
-    uint32_t hash = static_cast<uint32_t>(key.size());
-    for (const char letter : key)
-        hash = hash * 31 + static_cast<unsigned char>(letter);
-    return uint64_t{1} << ((hash ^ (hash >> 6)) & 63);
-}
-
-// The least room in which a value can later give way to the address of a longer one.
-size_t RoomFor(std::string_view value) {
-    return std::max(value.size() + 1, sizeof(char *));
+uint64_t KeyBit(uint16_t key) {
+    return uint64_t{1} << (key & 63);
 }
 
 void Store(char *place, std::string_view text) {
@@ -87,86 +82,98 @@ void Store(char *place, std::string_view text) {
     place[text.size()] = '\0';
 }
 
+// A value outside of its item, behind the item's key if that has no number.
+char *NewOutside(uint16_t key, std::string_view key_text, std::string_view value) {
+    const size_t key_bytes = key == kUnknownKey ? key_text.size() + 1 : 0;
+    char *text = new char[key_bytes + value.size() + 1];
+    if (key_bytes != 0) Store(text, key_text);
+    Store(text + key_bytes, value);
+    return text;
+}
+
 }  // namespace
 
 struct VelmarAttribute : Pooled {
     uint64_t key_bits = 0;
-    Block *first = nullptr;
-    Block *last = nullptr;
+    Block *last = &first;
     int32_t count = 0;
+    bool has_moved = false;
     // Where the last GetVelmarAttributeItem was, so that a walk over the items takes one step for each.
     int32_t walk_index = 0;
     Block *walk_block = nullptr;
     Item *walk_item = nullptr;
+    Block first{nullptr, kFirstBytes, 0};
+    char first_items[kFirstBytes];
 
     VelmarAttribute() = default;
     ~VelmarAttribute() {
-        for (Block *block = first; block != nullptr;) {
-            for (Item *item = block->Begin(); item != block->End(); item = item->Next()) {
-                if (item->moved) delete[] item->Value();
-            }
+        if (has_moved) FreeMoved();
+        for (Block *block = first.next; block != nullptr;) {
             Block *next = block->next;
-            ReturnToPool(block, block->size);
+            ReturnToPool(block, sizeof(Block) + block->size);
             block = next;
         }
     }
     VelmarAttribute(const VelmarAttribute &) = delete;
     VelmarAttribute &operator=(const VelmarAttribute &) = delete;
 
-    Item *Find(std::string_view key, uint64_t bit) const {
-        if ((key_bits & bit) == 0) return nullptr;
-        for (Block *block = first; block != nullptr; block = block->next) {
-            for (Item *item = block->Begin(); item != block->End(); item = item->Next()) {
-                if (item->Key() == key) return item;
+    // The first item that `matches`, or null.
+    template <typename Matches>
+    Item *FindIf(Matches matches) {
+        for (Block *block = &first; block != nullptr; block = block->next) {
+            Item *const end = block->End();
+            for (Item *item = block->Begin(); item != end; item = item->Next()) {
+                if (matches(*item)) return item;
             }
         }
         return nullptr;
     }
 
-    void Append(std::string_view key, uint64_t bit, std::string_view value) {
-        if (std::max(key.size(), value.size()) > kLongestText) throw std::bad_alloc();
-        const size_t room = RoomFor(value);
-        const size_t bytes = Item::RoundUp(sizeof(Item) + room + key.size() + 1);
-        if (last == nullptr || last->Left() < bytes) AddBlock(bytes);
-        Item *item = new (last->End())
-            Item{static_cast<uint32_t>(room), static_cast<uint32_t>(key.size()) & kKeyBytesMask, 0};
-        Store(item->Room(), value);
-        Store(item->Room() + room, key);
-        last->used += bytes;
-        key_bits |= bit;
+    Item *Find(uint16_t key, std::string_view text) {
+        if ((key_bits & KeyBit(key)) == 0) return nullptr;
+        if (key != kUnknownKey) return FindIf([key](const Item &item) { return item.key == key; });
+        return FindIf([text](Item &item) { return item.key == kUnknownKey && item.Key() == text; });
+    }
+
+    void Append(uint16_t key, std::string_view key_text, std::string_view value) {
+        if (std::max(key_text.size(), value.size()) > kLongestText) throw std::bad_alloc();
+        const bool is_inside = key != kUnknownKey && value.size() < kLongestInside;
+        const size_t room = is_inside ? std::max(value.size() + 1, kLeastRoom) : kLeastRoom;
+        const auto words = static_cast<uint16_t>((room + Item::kWord - 1) / Item::kWord);
+        const size_t bytes = sizeof(Item) + words * Item::kWord;
+        if (last->Left() < bytes) AddBlock(bytes);
+        Item &item = *new (last->End()) Item{key, static_cast<uint16_t>(words & 0x7FFF), 0};
+        if (is_inside) {
+            Store(item.Room(), value);
+        } else {
+            item.SetOutside(NewOutside(key, key_text, value));
+            has_moved = true;
+        }
+        last->used += static_cast<uint32_t>(bytes);
+        key_bits |= KeyBit(key);
         ++count;
     }
 
-    void AddBlock(size_t least) {
-        const size_t usual = first == nullptr ? kFirstBlockBytes
-                             : first == last  ? kSecondBlockBytes
-                                              : kFurtherBlockBytes;
-        Block *block = NewBlock(usual, least);
-        (last == nullptr ? first : last->next) = block;
-        last = block;
-    }
-
-    static void Replace(Item &item, std::string_view value) {
-        if (!item.moved && value.size() < item.room) {
+    void Replace(Item &item, std::string_view value) {
+        if (!item.moved && value.size() < item.RoomBytes()) {
             Store(item.Room(), value);
             return;
         }
-        char *text = new char[value.size() + 1];
-        Store(text, value);
-        if (item.moved) delete[] item.Value();
-        std::memcpy(item.Room(), &text, sizeof text);
-        item.moved = 1;
+        char *text = NewOutside(item.key, item.Key(), value);
+        if (item.moved) delete[] item.Outside();
+        item.SetOutside(text);
+        has_moved = true;
     }
 
     // `index` is in range.
     Item *ItemAt(int32_t index) {
         if (walk_item == nullptr || index < walk_index) {
-            walk_block = first;
-            walk_item = first->Begin();
+            walk_block = &first;
+            walk_item = first.Begin();
             walk_index = 0;
         }
         while (true) {
-            if (walk_item == walk_block->End()) {
+            while (walk_item == walk_block->End()) {
                 walk_block = walk_block->next;
                 walk_item = walk_block->Begin();
             }
@@ -174,6 +181,22 @@ struct VelmarAttribute : Pooled {
             walk_item = walk_item->Next();
             ++walk_index;
         }
+    }
+
+  private:
+    void AddBlock(size_t least) {
+        const size_t size = std::max(last == &first ? kSecondBytes : kFurtherBytes, least);
+        void *memory = TakeFromPool(sizeof(Block) + size);
+        if (memory == nullptr) throw std::bad_alloc();
+        last->next = new (memory) Block{nullptr, static_cast<uint32_t>(size), 0};
+        last = last->next;
+    }
+
+    void FreeMoved() {
+        FindIf([](Item &item) {
+            if (item.moved) delete[] item.Outside();
+            return false;
+        });
     }
 };
 
@@ -188,7 +211,7 @@ int32_t AllocVelmarAttribute(VelmarAttribute **attribute) {
 int32_t AddVelmarAttributeItem(VelmarAttribute *attribute, const char *key, const char *value) {
     if (attribute == nullptr || key == nullptr || value == nullptr) return -1;
     try {
-        attribute->Append(key, KeyBit(key), value);
+        attribute->Append(TakeKey(key), key, value);
     } catch (const std::bad_alloc &) {
         return -1;
     }
@@ -197,12 +220,12 @@ int32_t AddVelmarAttributeItem(VelmarAttribute *attribute, const char *key, cons
 
 int32_t SetVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char *value) {
     if (attribute == nullptr || key == nullptr || value == nullptr) return -1;
-    const uint64_t bit = KeyBit(key);
+    const uint16_t number = TakeKey(key);
     try {
-        if (Item *item = attribute->Find(key, bit)) {
-            VelmarAttribute::Replace(*item, value);
+        if (Item *item = attribute->Find(number, key)) {
+            attribute->Replace(*item, value);
         } else {
-            attribute->Append(key, bit, value);
+            attribute->Append(number, key, value);
         }
     } catch (const std::bad_alloc &) {
         return -1;
@@ -212,7 +235,7 @@ int32_t SetVelmarAttributeValue(VelmarAttribute *attribute, const char *key, con
 
 int32_t FindVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char **value) {
     if (attribute == nullptr || key == nullptr || value == nullptr) return -1;
-    Item *item = attribute->Find(key, KeyBit(key));
+    Item *item = attribute->Find(FindKey(key), key);
     if (item == nullptr) return -1;
     *value = item->Value();
     return 0;

@@ -1,11 +1,10 @@
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <ctime>
 #include <initializer_list>
 #include <mutex>
 #include <optional>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -30,8 +29,6 @@ constexpr int64_t kFirstCached = 7 * kDaySeconds;
 constexpr int64_t kEndOfCached = 4102444800;
 // From 1900, so that no cached time has a month beyond.
 constexpr int64_t kMaxMonths = 3600;
-// How long a change of the system's own zone may go unseen.
-constexpr std::chrono::seconds kLifetime(1);
 
 int64_t ExactTime(std::tm &fields) {
     std::tm normalised = fields;
@@ -96,32 +93,38 @@ class ShiftCache {
     // The shift of every time of a day; empty if mktime has to say for each.
     std::optional<Shift> OfDay(int64_t day) {
         const std::lock_guard lock(mutex_);
-        ForgetIfStale();
         Day &known = days_[static_cast<size_t>(day) % kKnownDays];
-        if (known.day != day) known = {day, Agreed(day)};
-        return known.shift;
+        if (known.day != day) known = {static_cast<int32_t>(day), NumberOf(Agreed(day))};
+        return known.shift == kNoShift ? std::nullopt : std::optional(shifts_[known.shift]);
     }
 
-  private:
-    void ForgetIfStale() {
-        const char *zone = std::getenv("TZ");
-        const bool same_zone = zone == nullptr ? !zone_ : zone_ == zone;
-        const auto now = std::chrono::steady_clock::now();
-        if (same_zone && now < end_) return;
-        zone_ = zone == nullptr ? std::nullopt : std::optional<std::string>(zone);
-        end_ = now + kLifetime;
+    void Forget() {
+        const std::lock_guard lock(mutex_);
+        tzset();
         midnights_.clear();
         one_clock_.clear();
+        shifts_.clear();
         days_.assign(kKnownDays, {});
     }
 
-    // What the midnights around a day agree on. The days of a library, of some twenty years, find room beside
-    // each other.
+  private:
+    static constexpr uint32_t kNoShift = ~uint32_t{0};
+
+    // What the midnights around a day agree on, by its number in `shifts_`. The days of a library, of some
+    // twenty years, find room beside each other.
     struct Day {
-        int64_t day = -1;
-        std::optional<Shift> shift;
+        int32_t day = -1;
+        uint32_t shift = kNoShift;
     };
     static constexpr size_t kKnownDays = 8192;
+
+    uint32_t NumberOf(const std::optional<Shift> &shift) {
+        if (!shift) return kNoShift;
+        const auto known = std::find(shifts_.begin(), shifts_.end(), *shift);
+        const auto number = static_cast<uint32_t>(known - shifts_.begin());
+        if (known == shifts_.end()) shifts_.push_back(*shift);
+        return number;
+    }
 
     // In days. A summer or winter, with a stride to spare, is shorter than twice kNear; kReach is more than
     // what lies between one end of a block and the far end of what is near.
@@ -171,21 +174,28 @@ class ShiftCache {
         return place->second;
     }
 
-    std::mutex mutex_;  // guards the rest
-    std::optional<std::string> zone_;
-    std::chrono::steady_clock::time_point end_{};
+    std::mutex mutex_;                                             // guards the rest
     std::unordered_map<int64_t, std::optional<Shift>> midnights_;  // references stay valid while it grows
     std::unordered_map<int64_t, bool> one_clock_;                  // by block
-    std::vector<Day> days_;                                        // by the remainder of their numbers
+    std::vector<Shift> shifts_;                                    // a zone has a few
+    std::vector<Day> days_ = std::vector<Day>(kKnownDays);         // by the remainder of their numbers
 };
+
+ShiftCache &TheShiftCache() {
+    static ShiftCache cache;
+    return cache;
+}
 
 }  // namespace
 
+void _tzset() {
+    TheShiftCache().Forget();
+}
+
 int64_t _mktime64(std::tm *time) {
-    static ShiftCache cache;
     const std::optional<int64_t> wall = WallSeconds(*time);
     if (!wall || time->tm_isdst != 0) return ExactTime(*time);
-    const std::optional<Shift> shift = cache.OfDay(*wall / kDaySeconds);
+    const std::optional<Shift> shift = TheShiftCache().OfDay(*wall / kDaySeconds);
     if (!shift) return ExactTime(*time);
     SetFields(*time, *wall + shift->to_wall);
     time->tm_isdst = shift->is_dst;

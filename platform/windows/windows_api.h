@@ -302,9 +302,10 @@ int _wstat64(const wchar_t *path, struct _stat64 *status);
 int _wstat64i32(const wchar_t *path, struct _stat64i32 *status);
 int _fseeki64(FILE *file, int64_t offset, int origin);
 int64_t _ftelli64(FILE *file);
-// Local time; -1 for every moment before 1970. Changes of "TZ" count at once, a change of the system's zone
-// within a second.
+// Local time; -1 for every moment before 1970. A change of the zone, by "TZ" or by the system, counts from
+// the next _tzset on.
 int64_t _mktime64(std::tm *time);
+void _tzset();
 int _stricmp(const char *left, const char *right);
 char *_strdup(const char *text);
 

@@ -6,9 +6,10 @@
 #include <string>
 
 #include "content/location_url.h"
+#include "platform/windows/windows_api.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/property_list_xml.h"
-#include "tests/support/scoped_environment.h"
+#include "tests/support/scoped_zone.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -60,8 +61,7 @@ TEST(PlistValueText, AnyOtherTypeIsLoggedAndHasNoText) {
 
 TEST(DateToSeconds, TakesTheUtcFieldsAsLocalTime) {
     for (const char *zone : {"UTC0", "CET-1CEST,M3.5.0,M10.5.0/3", "PST8PDT,M3.2.0,M11.1.0"}) {
-        const ScopedEnvironment environment("TZ", zone);
-        tzset();
+        const ScopedZone environment(zone);
         for (const char *month : {"01", "07"}) {
             std::tm local = {};
             local.tm_year = 113;
@@ -75,7 +75,6 @@ TEST(DateToSeconds, TakesTheUtcFieldsAsLocalTime) {
         }
         EXPECT_EQ(TextOf("<date>1960-01-01T00:00:00Z</date>"), "-1") << zone;
     }
-    tzset();
 }
 
 TEST(LocationUrlToPath, DecodesUrlsByteByByte) {

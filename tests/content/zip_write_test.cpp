@@ -13,8 +13,8 @@
 #include "content/zip_entry.h"
 #include "content/zip_extract.h"
 #include "tests/content/captured_log.h"
-#include "tests/content/zip_builder.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/zip_builder.h"
 
 namespace {
 

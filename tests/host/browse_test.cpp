@@ -45,11 +45,11 @@ TEST(Browse, TreeKeepsToItsLimits) {
 
 TEST(Browse, LsShowsNamesAndColumns) {
     HostProcess host;
-    EXPECT_EQ(host.Run({"ls", "library"}).output, "music/\ngood/\n");
+    EXPECT_EQ(host.Run({"ls", "library"}).output, "music/\ngood/\nart/\n");
     EXPECT_EQ(host.Run({"ls", "-l", "library/good"}).output,
-              "music                 700000  2010-01-01 00:00  10.mp3  Plain\n"
-              "music                      6  2010-01-01 00:00  11.mp3  AC/DC - What? A \"title\"...\n"
-              "music                      6  2010-01-01 00:00  12.mp3  Björk - Jóga\n");
+              "music                 700000  2010-01-01 00:00     10.mp3  Plain\n"
+              "music                      6  2010-01-01 00:00     11.mp3  AC/DC - What? A \"title\"...\n"
+              "music                      6  2010-01-01 00:00     12.mp3  Björk - Jóga\n");
     EXPECT_THAT(host.Run({"ls", "-l", "--human", "library/good"}).output, HasSubstr("    700.0 kB  2010"));
 }
 
@@ -69,6 +69,7 @@ TEST(Browse, JsonHasOneShapeEverywhere) {
     EXPECT_EQ(node["name"], "12.mp3");
     EXPECT_EQ(node["type"], "music");
     EXPECT_EQ(node["kind"], 4);
+    EXPECT_EQ(node["has_thumbnail"], false);
     EXPECT_EQ(node["attributes"]["name"], "Jóga");
     EXPECT_EQ(node["children"], Json::array({"thumb"}));
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tests/host/fake_pictures.h"
+
 DriverPath::DriverPath(int32_t kind_number, int32_t category_number, int32_t subcategory_number)
     : kind(kind_number), category(category_number), subcategory(subcategory_number) {
     AllocVelmarArray(&names);
@@ -32,6 +34,7 @@ FakeTree::FakeTree(std::size_t many_files) : root_(NewNode(0, 0, 0)) {
     root_->Set("terminal_type", "iTunes");
     DriverPath *library = NewFolder(root_, "library", 1);
     AddMusic(library);
+    AddArt(library);
     AddLists(NewFolder(root_, "playlist", 2));
     DriverPath *many = NewFolder(root_, "many", 4);
     for (std::size_t i = 0; i < many_files; ++i) {
@@ -40,15 +43,31 @@ FakeTree::FakeTree(std::size_t many_files) : root_(NewNode(0, 0, 0)) {
     NewTrack(NewFolder(root_, "endless", 4), "9.mp3", "", "Endless", "")->content = FakeContent::kEndless;
 }
 
-DriverPath *FakeTree::Walk(const std::string &path) const {
+void DriverPath::Reveal() {
+    for (const auto &[name, child] : std::exchange(kept_back, {}))
+        Add(name, child);
+}
+
+DriverPath *FakeTree::Walk(const std::string &path) {
     DriverPath *node = root_;
     std::size_t begin = 0;
     while (node != nullptr && begin < path.size()) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
         node = node->Child(path.substr(begin, end - begin));
         begin = end + 1;
+        if (node == nullptr) break;
+        if (node->kind == 4 && !std::exchange(art_shown_, true)) ShowArt();
+        if (node->category == 4) node->Reveal();
     }
     return node;
+}
+
+void FakeTree::ShowArt() {
+    for (const auto &node : nodes_) {
+        if (node->kept_back.empty() || node->category == 4) continue;
+        node->Set("media_has_thumb", "true");
+        node->Reveal();
+    }
 }
 
 int FakeTree::open_count() const {
@@ -100,6 +119,45 @@ void FakeTree::AddMusic(DriverPath *library) {
     DriverPath *thumbs = NewNode(1, 4, 43);
     thumbs->Add("small", NewNode(4, 4, 44));
     NewTrack(good, "12.mp3", "Bj\xC3\xB6rk", "J\xC3\xB3ga", "twelve")->Add("thumb", thumbs);
+}
+
+DriverPath *FakeTree::NewPictures(DriverPath *file) {
+    DriverPath *thumbs = NewNode(1, 4, 43);
+    thumbs->Set("location", "C:/Artwork/1.itc");
+    file->kept_back.emplace_back("thumb", thumbs);
+    return thumbs;
+}
+
+void FakeTree::AddPicture(DriverPath *thumbs, const std::string &name, const std::string &type, int64_t width,
+                          int64_t height, const std::string &bytes) {
+    DriverPath *picture = NewNode(4, 4, 44);
+    picture->Set("thumb_type", type);
+    if (width != 0) picture->Set("width", std::to_string(width));
+    if (height != 0) picture->Set("height", std::to_string(height));
+    picture->Set("st_size", std::to_string(bytes.size()));
+    picture->content = FakeContent::kText;
+    picture->text = bytes;
+    thumbs->kept_back.emplace_back(name, picture);
+}
+
+void FakeTree::AddArt(DriverPath *library) {
+    DriverPath *art = NewFolder(library, "art", 4);
+    DriverPath *three = NewPictures(NewTrack(art, "20.mp3", "Band", "Cover", "twenty"));
+    AddPicture(three, "small", "png", 8, 8, FakePng("small"));
+    AddPicture(three, "middle", "png", 16, 16, FakePng("middle"));
+    AddPicture(three, "large", "bgra", 2, 3, FakePixels(kAlphaFirst));
+    DriverPath *one = NewPictures(NewTrack(art, "20.m4a", "Band", "Cover", "another"));
+    AddPicture(one, "small", "argb", 2, 3, FakePixels(kBlueFirst));
+    DriverPath *book = NewTrack(art, "22.epub", "E. Author", "Book", "a book");
+    AddPicture(NewPictures(book), "small", ".jpg", 0, 0, FakeJpeg());
+    NewPictures(NewTrack(art, "23.mp3", "Band", "Lost", "twenty-three"));
+    DriverPath *damaged = NewPictures(NewTrack(art, "24.mp3", "Band", "Damaged", "twenty-four"));
+    AddPicture(damaged, "small", "bgra", 2, 4, FakePixels(kAlphaFirst));
+    AddPicture(damaged, "middle", "bgra", int64_t{1} << 32, int64_t{1} << 32, {1, '\0'});
+    AddPicture(damaged, "large", "bgra", 0, 3, FakePixels(kAlphaFirst));
+    DriverPath *application = NewTrack(art, "25.ipa", "", "Game", "PK\x03\x04 application");
+    AddPicture(NewPictures(application), "small", "png", 0, 0, application->text);
+    NewTrack(art, "26.mp3", "Band", "Plain", "twenty-six");
 }
 
 void FakeTree::AddLists(DriverPath *lists) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "driver/itunes_driver.h"
@@ -28,6 +29,9 @@ struct DriverPath {
     void Add(const std::string &name, DriverPath *child);
     void Set(const std::string &key, const std::string &value) const;
     DriverPath *Child(const std::string &name) const;
+    // Adds what was kept back. Of a file that is its "thumb" node, which comes with the first walk into any
+    // file; of a "thumb" node its pictures, which come with the first walk into it.
+    void Reveal();
 
     int32_t kind, category, subcategory;
     VelmarArray *names = nullptr;
@@ -35,6 +39,7 @@ struct DriverPath {
     FakeContent content = FakeContent::kNone;
     std::string text;
     int open_count = 0;
+    std::vector<std::pair<std::string, DriverPath *>> kept_back;
 
   private:
     std::deque<std::string> name_texts_;
@@ -47,6 +52,11 @@ struct DriverPath {
 //   whose
 //                       files are missing, breaks.mp3 whose stream fails half-way
 //   library/good/       three sound files, one with a title that no file system takes
+//   library/art/        files with pictures: 20.mp3 PNG, PNG and raw "bgra"; 20.m4a with the same title, raw
+//   "argb";
+//                       22.epub JPEG with the type ".jpg"; 23.mp3 whose pictures cannot be made; 24.mp3 whose
+//                       raw pictures do not fit their size; 25.ipa, an application without its icon; 26.mp3
+//                       without a picture
 //   playlist/           "Mix" with a file twice, "AC/DC", "Twice" two times, a list without a name, and one
 //   whose name
 //                       drives a terminal
@@ -56,7 +66,8 @@ class FakeTree {
   public:
     explicit FakeTree(std::size_t many_files);
     DriverPath *root() const { return root_; }
-    DriverPath *Walk(const std::string &path) const;
+    // As the driver does, a walk shows pictures: see Reveal.
+    DriverPath *Walk(const std::string &path);
     int open_count() const;  // of all nodes
 
   private:
@@ -64,11 +75,17 @@ class FakeTree {
     DriverPath *NewFolder(DriverPath *parent, const std::string &name, int32_t subcategory);
     DriverPath *NewTrack(DriverPath *parent, const std::string &name, const std::string &artist,
                          const std::string &title, const std::string &text);
+    DriverPath *NewPictures(DriverPath *file);
+    void AddPicture(DriverPath *thumbs, const std::string &name, const std::string &type, int64_t width,
+                    int64_t height, const std::string &bytes);
+    void AddArt(DriverPath *library);
+    void ShowArt();
     void AddMusic(DriverPath *library);
     void AddLists(DriverPath *lists);
 
     std::vector<std::unique_ptr<DriverPath>> nodes_;
     DriverPath *root_;
+    bool art_shown_ = false;
 };
 
 #endif

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <set>
+#include <string_view>
 
 #include "host/text.h"
 
@@ -65,6 +67,16 @@ TEST(FileNaming, NamesOfOneFolderDifferInMoreThanCase) {
     EXPECT_EQ(names.Take({"Song", ".m4a"}), "Song.m4a");
     EXPECT_EQ(names.Take({"Überall", ""}), "Überall");
     EXPECT_EQ(names.Take({"überall", ""}), "überall (2)");
+}
+
+TEST(FileNaming, StemStaysFreeForEachExtension) {
+    constexpr std::array<std::string_view, 2> kExtensions = {".jpg", ".png"};
+    FolderNames names;
+    names.Take({"Song (2)", ".JPG"});
+    EXPECT_EQ(names.TakeStem("Song", kExtensions), "Song");
+    EXPECT_EQ(names.TakeStem("song", kExtensions), "song (3)") << "one of the names of (2) is taken";
+    EXPECT_EQ(names.Take({"Song", ".png"}), "Song (2).png") << "that one is free";
+    EXPECT_EQ(names.TakeStem(std::string(255, 'x'), kExtensions).size() + 4, kLongestFileName);
 }
 
 TEST(FileNaming, ManyEqualLongNamesStayApartAndShort) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <set>
 
+#include "tests/host/fake_pictures.h"
 #include "tests/host/host_process.h"
 
 namespace {
@@ -99,6 +100,25 @@ TEST_F(Get, OtherFilesAreNeverLostWithoutTheOption) {
 TEST_F(Get, NamesOfTheTreeOnDemand) {
     EXPECT_EQ(Run({"--names", "path", "library/good"}).exit_code, 0);
     EXPECT_THAT(Files(), ElementsAre("good/10.mp3", "good/11.mp3", "good/12.mp3"));
+}
+
+TEST_F(Get, CoversStandBesideTheirFiles) {
+    const HostResult result = Run({"library/art", "--with-artwork"});
+    EXPECT_EQ(result.exit_code, 0) << "a cover that cannot be read is no failure";
+    EXPECT_THAT(result.errors, StartsWith("got 7 files (68 B), 0 already there\n"
+                                          "got 3 covers, 0 already there, 3 could not be read\n"));
+    EXPECT_THAT(result.errors, HasSubstr("library/art/23.mp3/thumb"));
+    EXPECT_THAT(Files(),
+                ElementsAre("art/Band - Cover (2).png", "art/Band - Cover.m4a", "art/Band - Cover.mp3",
+                            "art/Band - Cover.png", "art/Band - Damaged.mp3", "art/Band - Lost.mp3",
+                            "art/Band - Plain.mp3", "art/E. Author - Book.epub", "art/E. Author - Book.jpg",
+                            "art/Game.ipa"));
+    EXPECT_EQ(ReadWholeFile(Target() / "art" / "E. Author - Book.jpg"), FakeJpeg());
+    fs::remove(Target() / "art" / "E. Author - Book.jpg");
+    EXPECT_THAT(Run({"library/art", "--with-artwork"}).errors,
+                StartsWith("got 0 files (0 B), 7 already there\n"
+                           "got 1 cover, 2 already there, 3 could not be read\n"));
+    EXPECT_THAT(Run({"library/good", "--with-artwork"}).errors, Not(HasSubstr("cover")));
 }
 
 TEST_F(Get, UnknownPathStopsBeforeAnythingIsWritten) {

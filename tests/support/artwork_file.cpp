@@ -28,16 +28,28 @@ std::string Deflated(const std::string &bytes) {
     return deflated;
 }
 
+std::string RawPicture(int side) {
+    std::string pixels;
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const int slope = 255 * (x + y) / (2 * side);
+            pixels.append({'\xFF', static_cast<char>(255 - slope), '\x40', static_cast<char>(slope)});
+        }
+    }
+    return pixels;
+}
+
 // Fields of a picture's head that the driver reads: the format at 48, the size at 56 and 60, the size for
 // display at 76 and 80. The picture begins behind the tag "data" at 204.
-std::string PictureBox(int side) {
+std::string PictureBox(int side, CachePictures stored) {
     constexpr std::uint32_t kDataOffset = 208;
-    const std::string picture = PngPicture(side);
+    const bool raw = stored == CachePictures::kRaw;
+    const std::string picture = raw ? RawPicture(side) : PngPicture(side);
     const std::string size =
         BigEndian(static_cast<std::uint32_t>(side)) + BigEndian(static_cast<std::uint32_t>(side));
     std::string head = BigEndian(static_cast<std::uint32_t>(picture.size()) + kDataOffset) + "item" +
-                       BigEndian(kDataOffset) + Zeros(32) + "locl" + "PNGf" + Zeros(4) + size + Zeros(12) +
-                       size;
+                       BigEndian(kDataOffset) + Zeros(32) + "locl" + (raw ? "ARGb" : "PNGf") + Zeros(4) +
+                       size + Zeros(12) + size;
     head.resize(kDataOffset - 4, '\0');
     return head + "data" + picture;
 }
@@ -58,12 +70,12 @@ std::string PngPicture(int side) {
            PngChunk("IEND", {});
 }
 
-std::string ArtworkCacheFile(const std::vector<int> &sides) {
+std::string ArtworkCacheFile(const std::vector<int> &sides, CachePictures stored) {
     constexpr std::uint32_t kHeaderLength = 284;
     std::string file = BigEndian(kHeaderLength) + "itch" + Zeros(16) + "artw";
     file.resize(kHeaderLength, '\0');
     for (const int side : sides)
-        file += PictureBox(side);
+        file += PictureBox(side, stored);
     return file;
 }
 

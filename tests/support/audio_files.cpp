@@ -20,11 +20,19 @@ std::string SilentMp3Frame() {
     return std::string("\xFF\xFB\x10\xC4", 4) + Zeros(kFrameLength - 4);
 }
 
-// ID3v2.3 frame: id (4), size (4), flags (2), encoding 1 (UTF-16 with mark), text.
-std::string Id3TextFrame(std::string_view id, const std::string &utf8) {
-    if (utf8.empty()) return {};
-    const std::string body = std::string("\x01\xFF\xFE", 3) + Utf16Bytes(utf8);
+// ID3v2.3 frame: id (4), size (4), flags (2), body.
+std::string Id3Frame(std::string_view id, const std::string &body) {
     return std::string(id) + BigEndian(static_cast<std::uint32_t>(body.size())) + Zeros(2) + body;
+}
+
+// Encoding 1 (UTF-16 with mark), text.
+std::string Id3TextFrame(std::string_view id, const std::string &utf8) {
+    return utf8.empty() ? std::string() : Id3Frame(id, std::string("\x01\xFF\xFE", 3) + Utf16Bytes(utf8));
+}
+
+// Encoding 0 (Latin-1), type of the data with its end mark, kind 3 (front cover), an empty description.
+std::string Id3PictureFrame(const std::string &png) {
+    return png.empty() ? std::string() : Id3Frame("APIC", std::string("\0image/png\0\x03\0", 13) + png);
 }
 
 std::string NumberText(int number) {
@@ -36,7 +44,7 @@ std::string Id3v2Tag(const MediaTags &tags) {
     const std::string frames = Id3TextFrame("TIT2", tags.title) + Id3TextFrame("TPE1", tags.artist) +
                                Id3TextFrame("TALB", tags.album) + Id3TextFrame("TCON", tags.genre) +
                                Id3TextFrame("TYER", NumberText(tags.year)) +
-                               Id3TextFrame("TRCK", NumberText(tags.track));
+                               Id3TextFrame("TRCK", NumberText(tags.track)) + Id3PictureFrame(tags.picture);
     const auto size = static_cast<std::uint32_t>(frames.size());
     std::string header("ID3\x03\x00\x00", 6);
     for (int shift = 21; shift >= 0; shift -= 7)

@@ -13,13 +13,14 @@ struct MediaTags {
     std::string genre;
     int year = 0;
     int track = 0;
+    std::string picture{};  // a PNG file; in MP3 files only
 };
 
 // A 440 Hz tone, 16-bit mono PCM at 22050 Hz.
 std::string WavFile(int seconds);
 
-// Silence in MPEG-1 Layer III, 44100 Hz mono at 32 kbit/s, with an ID3v2.3 tag in front and an ID3v1 tag at
-// the end.
+// Silence in MPEG-1 Layer III, 44100 Hz mono at 32 kbit/s, with an ID3v2.3 tag in front, which holds
+// the picture too, and an ID3v1 tag at the end.
 std::string Mp3File(int seconds, const MediaTags &tags);
 
 // Silence in AAC-LC, 44100 Hz mono, in an MP4 file with iTunes tags: what iTunes calls .m4a, and .m4r for

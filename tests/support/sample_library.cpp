@@ -8,15 +8,18 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/archive_files.h"
 #include "tests/support/artwork_file.h"
+#include "tests/support/file_writing.h"
 #include "tests/support/library_xml.h"
 #include "tests/support/media_files.h"
+#include "tests/support/sample_loose_files.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-enum class Format { kMp3, kM4a, kM4v, kWav, kPdf, kNoFile };
+enum class Format { kMp3, kM4a, kM4v, kWav, kPdf, kEpub, kNoFile };
 
 struct SampleTrack {
     int id;
@@ -123,6 +126,13 @@ std::vector<SampleTrack> Tracks() {
          "Books/E. Author/A Field Guide.pdf",
          "PDF document",
          {}},
+        {115,
+         {"The Lighthouse Keeper", "E. Author", "", "Fiction", 2009, 0},
+         kEpub,
+         0,
+         "Books/E. Author/The Lighthouse Keeper.epub",
+         "EPUB document",
+         {}},
     };
 }
 
@@ -138,17 +148,16 @@ std::string FileBytes(const SampleTrack &track) {
             return WavFile(track.seconds);
         case Format::kPdf:
             return PdfFile(track.tags.title);
+        case Format::kEpub:
+            return EpubFile({.title = track.tags.title,
+                             .author = track.tags.artist,
+                             .subject = track.tags.genre,
+                             .date = std::to_string(track.tags.year)},
+                            BookCover::kPage);
         case Format::kNoFile:
             break;
     }
     return {};
-}
-
-void WriteFile(const fs::path &path, const std::string &bytes) {
-    fs::create_directories(path.parent_path());
-    std::ofstream file(path, std::ios::binary);
-    file << bytes;
-    if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
 constexpr int kLibraryNumber = 1;
@@ -169,7 +178,7 @@ void AddNumber(XmlEntries &entries, std::string_view key, std::int64_t number) {
 
 XmlEntries Entries(const SampleTrack &track, const LibraryPlace &place, std::size_t size) {
     const bool video = track.format == Format::kM4v;
-    const bool sound = track.format != Format::kPdf;
+    const bool sound = track.format != Format::kPdf && track.format != Format::kEpub;
     XmlEntries entries{{"Track ID", XmlInteger(track.id)}};
     AddText(entries, "Name", track.tags.title);
     AddText(entries, "Artist", track.tags.artist);
@@ -244,7 +253,7 @@ std::vector<LibraryPlaylist> Lists() {
         KindList("Movies", 1002, 2, {110}),
         KindList("TV Shows", 1003, 3, {112}),
         KindList("Podcasts", 1004, 10, {113}),
-        KindList("Books", 1005, 5, {114}),
+        KindList("Books", 1005, 5, {114, 115}),
         KindList("Genius", 1006, 26, {103, 104}),
         KindList("iTunes DJ", 1007, 22, {102, 105}),
         KindList("Purchased", 1008, 19, {106}),
@@ -258,17 +267,16 @@ std::vector<LibraryPlaylist> Lists() {
     };
 }
 
-void WriteArtwork(const LibraryPlace &place, int track, const std::vector<int> &sides) {
+void WriteArtwork(const LibraryPlace &place, int track, const std::string &cache_file) {
     const fs::path file = ArtworkCachePath(PersistentId(kLibraryNumber), PersistentId(track));
-    WriteFile(place.library_xml.parent_path() / file, ArtworkCacheFile(sides));
+    WriteFile(place.library_xml.parent_path() / file, cache_file);
 }
 
-void WriteOtherFiles(const LibraryPlace &place) {
-    WriteArtwork(place, sample_track::kMusic, {128, 256, 400});
-    WriteArtwork(place, sample_track::kUnicode, {128});
-    WriteFile(place.media_folder / "Ringtones" / "Bell.m4r", M4aFile(2, {"Bell", "", "", "Ringtone", 0, 0}));
-    WriteFile(place.add_folder / "Waiting Room.mp3",
-              Mp3File(2, {"Waiting Room", "The Lanterns", "Unfiled", "Rock", 2014, 1}));
+void WriteAllArtwork(const LibraryPlace &place) {
+    WriteArtwork(place, sample_track::kMusic, ArtworkCacheFile({128, 256, 400}));
+    WriteArtwork(place, sample_track::kSameAlbum, ArtworkCacheFile({128, 256, 400}));
+    WriteArtwork(place, sample_track::kUnicode, ArtworkCacheFile({128}));
+    WriteArtwork(place, sample_track::kRawArtwork, ArtworkCacheFile({128, 200}, CachePictures::kRaw));
 }
 
 }  // namespace
@@ -287,6 +295,7 @@ LibraryPlace MakeSampleLibrary(const fs::path &folder, PathStyle style) {
         xml.Playlist(list);
     xml.Finish();
     if (!file.flush()) throw std::runtime_error("cannot write " + place.library_xml.string());
-    WriteOtherFiles(place);
+    WriteAllArtwork(place);
+    WriteLooseFiles(place);
     return place;
 }

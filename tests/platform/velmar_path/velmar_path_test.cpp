@@ -89,8 +89,15 @@ TEST(VelmarAttribute, FoundValueSurvivesLaterItems) {
     AddVelmarAttributeItem(attribute, "name", "Blue");
     const char *found = nullptr;
     ASSERT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 3000; ++i)
         AddVelmarAttributeItem(attribute, std::to_string(i).c_str(), "x");
+    EXPECT_STREQ(found, "Blue");
+    // So many keys are no longer shared between containers.
+    EXPECT_EQ(SetVelmarAttributeValue(attribute, "2999", std::string(9000, 'y').c_str()), 0);
+    ASSERT_EQ(FindVelmarAttributeValue(attribute, "2999", &found), 0);
+    EXPECT_EQ(found, std::string(9000, 'y'));
+    EXPECT_EQ(PairsOf(attribute)[2999].first, "2998");
+    ASSERT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
     EXPECT_STREQ(found, "Blue");
     EXPECT_LT(FindVelmarAttributeValue(attribute, "nam", &found), 0);
     EXPECT_LT(FindVelmarAttributeValue(attribute, "names", &found), 0);
