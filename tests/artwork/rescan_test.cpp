@@ -108,15 +108,9 @@ TEST(RescanLocalFolders, ScansEachFolderAndLeavesTheSameTreeTheSecondTime) {
     std::filesystem::remove_all(tree.files.path() / "Automatically Add to iTunes");
     EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
     EXPECT_THAT(tree.Under("library/music"), IsEmpty());
-}
-
-TEST(RescanLocalFolders, WithoutAFolderThereIsNothingToScan) {
-    MediaTree tree;
     tree.driver.add_folder.reset();
     EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
     EXPECT_THAT(tree.Under("library/ringtone"), IsEmpty());
-    LibraryDriver no_library;
-    EXPECT_EQ(ScanToneFolder(&no_library, "Tones"), -1);
 }
 
 }  // namespace
