@@ -11,6 +11,7 @@
 #include "content/application.h"
 #include "content/book.h"
 #include "content/file_kinds.h"
+#include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
@@ -41,14 +42,10 @@ DriverPath *FindCategory(LibraryDriver *driver, const std::string &path) {
 }
 
 // The node is known by its id, as two files may have one name.
-DriverPath *AddEntry(LibraryDriver *driver, DriverPath *root, const std::string &path) {
-    DriverPath *entry = CreateScannedEntry(driver, node_kind::kFile, root->category, root->subcategory);
-    const std::string id = std::to_string(TakeScannedId(driver));
-    AddAttribute(entry, "id", id.c_str());
+void HangEntry(DriverPath *root, DriverPath *entry, const std::string &path) {
+    const std::string id = std::to_string(TakeScannedId(root->owner));
+    SetAttribute(entry, "id", id.c_str());
     AppendChild(root, (id + std::string(ExtensionOfPath(path))).c_str(), entry);
-    AddAttribute(entry, "location", path.c_str());
-    AddFileSize(entry, path);
-    return entry;
 }
 
 // The picture stays in the file until someone asks for it.
@@ -81,19 +78,31 @@ void AddMediaInfoDuration(DriverPath *entry, const std::string &path) {
     if (!duration.empty()) AddAttribute(entry, "duration", AnsiFromWide(duration).c_str());
 }
 
+// An entry with all that the file tells. It hangs nowhere yet, and its id, which comes first, is still empty.
+DriverPath *ReadFile(DriverPath *root, const std::string &path, const std::optional<FileStamp> &stamp) {
+    DriverPath *entry = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
+    AddAttribute(entry, "id", "");
+    AddAttribute(entry, "location", path.c_str());
+    AddFileSize(entry, path);
+    if (IsExtension(ExtensionOfPath(path), ".mp3")) AddTag(entry, path);
+    if (!FindAttribute(entry, "name")) AddAttribute(entry, "name", BaseName(path).c_str());
+    if (!FindAttribute(entry, "duration")) AddMediaInfoDuration(entry, path);
+    if (stamp) KeepEntry(entry, path, *stamp);
+    return entry;
+}
+
 }  // namespace
 
 int32_t ImportLocalFile(LibraryDriver *driver, const std::string &path) {
-    if (_waccess(Utf8ToWide(path).c_str(), 0) != 0) return -1;
+    const auto stamp = StampOfFile(path);
+    if (!stamp && _waccess(Utf8ToWide(path).c_str(), 0) != 0) return -1;
     DriverPath *root = FindCategory(driver, path);
     if (root == nullptr) return -1;
     const std::string_view extension = ExtensionOfPath(path);
     if (IsExtension(extension, ".epub") || IsExtension(extension, ".pdf")) return AddLocalBook(root, path);
     if (IsExtension(extension, ".ipa")) return AddLocalApp(root, path);
     if (IsLocationKnown(root, path)) return -3;
-    DriverPath *entry = AddEntry(driver, root, path);
-    if (IsExtension(extension, ".mp3")) AddTag(entry, path);
-    if (!FindAttribute(entry, "name")) AddAttribute(entry, "name", BaseName(path).c_str());
-    if (!FindAttribute(entry, "duration")) AddMediaInfoDuration(entry, path);
+    DriverPath *kept = stamp ? TakeKeptEntry(driver, path, *stamp) : nullptr;
+    HangEntry(root, kept != nullptr ? kept : ReadFile(root, path, stamp), path);
     return 0;
 }

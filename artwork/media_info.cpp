@@ -4,6 +4,7 @@
 
 #include "platform/windows/native_path.h"
 #include "platform/windows/text.h"
+#include "platform/windows/utf8_locale.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
@@ -70,7 +71,9 @@ MediaInfoFile::~MediaInfoFile() {
 }
 
 size_t MediaInfoFile::Open(const std::wstring &path) {
-    return IsReady() ? loaded.open(handle_, WideFromUtf8(NativePath(path)).c_str()) : 0;
+    if (!IsReady()) return 0;
+    const Utf8Locale locale;
+    return loaded.open(handle_, WideFromUtf8(NativePath(path)).c_str());
 }
 
 std::wstring MediaInfoFile::Get(int stream_kind, size_t stream_number, const wchar_t *parameter,

@@ -3,6 +3,8 @@
 
 #include <taglib/tiostream.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -38,11 +40,19 @@ class MediaStream : public TagLib::IOStream {
 
   private:
     bool TakeRead(unsigned long length);
+    size_t ReadAt(int64_t position, char *bytes, size_t size);
+    size_t ReadFromWindow(char *bytes, size_t size);
+
+    // TagLib reads some dozen small pieces of the beginning and the end of a file, and seeks for each.
+    static constexpr size_t kWindowBytes = 16384;
 
     std::string path_;
     FileHandle file_;
     int64_t size_ = 0;
     int64_t position_ = 0;
+    std::array<char, kWindowBytes> window_;
+    int64_t window_start_ = -1;
+    size_t window_size_ = 0;
     int reads_left_;
     int atoms_left_;
     bool hides_tags_ = false;

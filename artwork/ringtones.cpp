@@ -4,6 +4,7 @@
 
 #include "artwork/file_attributes.h"
 #include "artwork/sound_length.h"
+#include "content/file_stamp.h"
 #include "content/media_folder.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
@@ -21,14 +22,24 @@ bool IsTone(const WIN32_FIND_DATAW &entry) {
 }
 
 // An entry is known by its file name, has no id and no tag.
-void AddTone(LibraryDriver *driver, DriverPath *root, const std::string &folder, const std::string &name) {
-    const std::string path = folder + "\\" + name;
-    DriverPath *tone = CreateScannedEntry(driver, node_kind::kFile, root->category, root->subcategory);
-    AppendChild(root, name.c_str(), tone);
+DriverPath *ReadTone(DriverPath *root, const std::string &path, const std::string &name) {
+    DriverPath *tone = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
     AddFileSize(tone, path);
     if (const auto length = SoundLength(path)) AddDuration(tone, *length);
     AddAttribute(tone, "location", path.c_str());
     AddAttribute(tone, "name", name.substr(0, name.rfind('.')).c_str());
+    return tone;
+}
+
+void AddTone(DriverPath *root, const std::string &folder, const std::string &name) {
+    const std::string path = folder + "\\" + name;
+    const auto stamp = StampOfFile(path);
+    DriverPath *tone = stamp ? TakeKeptEntry(root->owner, path, *stamp) : nullptr;
+    if (tone == nullptr) {
+        tone = ReadTone(root, path, name);
+        if (stamp) KeepEntry(tone, path, *stamp);
+    }
+    AppendChild(root, name.c_str(), tone);
 }
 
 }  // namespace
@@ -41,7 +52,7 @@ int32_t ScanToneFolder(LibraryDriver *driver, const std::string &folder) {
     if (!media_folder) return 0;
     const std::string path = *media_folder + "\\" + folder;
     for (const WIN32_FIND_DATAW &entry : FolderSearch(Utf8ToWide(path) + L"\\*.m4r")) {
-        if (IsTone(entry)) AddTone(driver, root, path, WideToUtf8(entry.cFileName));
+        if (IsTone(entry)) AddTone(root, path, WideToUtf8(entry.cFileName));
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "artwork/tag_attributes.h"
 
 #include <cstdint>
+#include <cstring>
 
 #include "content/path_text.h"
 #include "platform/windows/windows_api.h"
@@ -38,11 +39,11 @@ std::optional<std::string> TagStringToUtf8(const TagLib::String &string) {
 }
 
 std::optional<std::string> AnsiToUtf8(const char *text) {
-    constexpr int kUpToTerminator = -1;
     if (text == nullptr) return std::nullopt;
-    const int size = MultiByteToWideChar(CP_ACP, 0, text, kUpToTerminator, nullptr, 0);
-    if (size <= 0) return std::nullopt;
-    std::wstring wide(static_cast<size_t>(size), L'\0');
-    if (MultiByteToWideChar(CP_ACP, 0, text, kUpToTerminator, wide.data(), size) <= 0) return std::nullopt;
+    constexpr int kUpToTerminator = -1;
+    // In no code page does a byte stand for more than one character.
+    std::wstring wide(std::strlen(text) + 1, L'\0');
+    const int room = static_cast<int>(wide.size());
+    if (MultiByteToWideChar(CP_ACP, 0, text, kUpToTerminator, wide.data(), room) <= 0) return std::nullopt;
     return WideToUtf8(wide.c_str());
 }

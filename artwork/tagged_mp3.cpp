@@ -9,18 +9,11 @@ namespace {
 
 constexpr int64_t kMillisecondsInSecond = 1000;
 
-// A byte of the size is one of seven bits, so a tag may be told to be as large as 256 MB.
-int64_t LargestTag(MediaStream &stream) {
+int64_t TagBytesAtStart(MediaStream &stream) {
     const TagLib::ByteVector head = stream.readBlock(TagLib::ID3v2::Header::size());
     stream.seek(0, TagLib::IOStream::Beginning);
     const bool begins_with_tag = head.startsWith(TagLib::ID3v2::Header::fileIdentifier());
-    return begins_with_tag ? TagLib::ID3v2::Header(head).completeTagSize() : stream.length();
-}
-
-bool BeginsWithTag(TagLib::File &file) {
-    file.seek(0);
-    const TagLib::ByteVector identifier = TagLib::ID3v2::Header::fileIdentifier();
-    return file.readBlock(identifier.size()) == identifier;
+    return begins_with_tag ? TagLib::ID3v2::Header(head).completeTagSize() : 0;
 }
 
 TagLib::ByteVector PictureOf(const TagLib::ID3v2::Frame *frame) {
@@ -31,7 +24,10 @@ TagLib::ByteVector PictureOf(const TagLib::ID3v2::Frame *frame) {
 
 }  // namespace
 
-TaggedMp3::TaggedMp3(const std::string &path, Length length) : stream_(path), frames_(LargestTag(stream_)) {
+TaggedMp3::TaggedMp3(const std::string &path, Length length)
+    : stream_(path),
+      tag_bytes_(TagBytesAtStart(stream_)),
+      frames_(tag_bytes_ != 0 ? tag_bytes_ : stream_.length()) {
     if (!stream_.isOpen()) return;
     try {
         file_ = std::make_unique<TagLib::MPEG::File>(&stream_, &frames_, length == Length::kRead,
@@ -49,7 +45,7 @@ std::optional<int64_t> TaggedMp3::Milliseconds() const {
 // A tag where the file begins is the one that the file has parsed already. Where it begins with something
 // else, its own tag, if there is one, lies elsewhere.
 TagLib::ID3v2::Tag *TaggedMp3::TagAtStart() {
-    if (file_->hasID3v2Tag() && BeginsWithTag(*file_)) return file_->ID3v2Tag(false);
+    if (file_->hasID3v2Tag() && tag_bytes_ != 0) return file_->ID3v2Tag(false);
     tag_at_start_ = std::make_unique<TagLib::ID3v2::Tag>(file_.get(), 0, &frames_);
     return tag_at_start_.get();
 }

@@ -36,6 +36,7 @@ class TaggedMp3 {
     TagLib::ID3v2::Tag *TagAtStart();
 
     MediaStream stream_;
+    int64_t tag_bytes_;  // of the tag that the file begins with; 0 if it begins with something else
     SafeFrameFactory frames_;
     std::unique_ptr<TagLib::MPEG::File> file_;
     std::unique_ptr<TagLib::ID3v2::Tag> tag_at_start_;  // only where it is not the file's own

@@ -5,6 +5,7 @@
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
 #include "driver/rescan.h"
+#include "driver/scanned_entries.h"
 #include "driver/startup_thread.h"
 #include "library/library_files.h"
 #include "library/playlists.h"
@@ -86,6 +87,8 @@ void DestroyLibrary(LibraryDriver *driver) {
     driver->library_plist.reset();
     driver->parser.reset();
     if (driver->tracks != nullptr) ReleaseLooseTracks(driver);
+    ReleaseKeptEntries(driver);
+    driver->scanned_files.clear();
     ReleaseDriverPath(driver->root);
     for (DriverPath *list : driver->unnamed_lists)
         ReleaseDriverPath(list);

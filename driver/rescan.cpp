@@ -25,5 +25,7 @@ int32_t RescanLocalFolders(LibraryDriver *driver) {
     result += ScanToneFolder(driver, "Tones");
     result += ScanBooks(driver);
     result += ScanApps(driver);
-    return result + ScanMediaFiles(driver);
+    result += ScanMediaFiles(driver);
+    ReleaseKeptEntries(driver);
+    return result;
 }

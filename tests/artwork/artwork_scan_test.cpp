@@ -67,9 +67,6 @@ TEST(ArtworkScan, LinksEveryTrackWithTheIdToEveryFileOfIt) {
         EXPECT_EQ(FindAttribute(track, "media_has_thumb"), std::nullopt);
     }
     EXPECT_EQ(tree.StreamOf("library/music/2.mp3/thumb/small"), PngPicture(8));
-    // The handle that many hosts keep: the thumbnail outlives the first list's release.
-    ReleaseDriverPath(unlisted);
-    DeleteVelmarArrayItem(tree.driver.tracks, 2);
 }
 
 TEST(ArtworkScan, ForeignNamesAreLeftAside) {
@@ -110,24 +107,15 @@ TEST(ArtworkScan, RunsOnceAndWithTheFirstStepIntoAFile) {
 
 TEST(ArtworkScan, WithoutAFolderOrALibraryIdThereIsNoArtwork) {
     ScanTree no_files;
-    DriverPath *track = no_files.AddMusic("1.mp3", kTrack);
-    EnsureAlbumArtworkScan(&no_files.driver);
+    EXPECT_EQ(EnsureAlbumArtworkScan(&no_files.driver), 0);
     EXPECT_NE(no_files.driver.artwork_scan, nullptr);
-    EXPECT_EQ(ChildCount(track), 0);
 
     ThumbTree no_id;
     no_id.driver.library_folder = BackslashPath(no_id.files.path());
     no_id.Write("Album Artwork/" + kLibrary + "-" + kTrack + ".itc", ArtworkCacheFile({8}));
-    DriverPath *other = no_id.AddTrack("1", kTrack);
+    const DriverPath *track = no_id.AddTrack("1", kTrack);
     EnsureAlbumArtworkScan(&no_id.driver);
-    EXPECT_EQ(ChildCount(other), 0);
-
-    // Not the folder of this name at the root of the drive.
-    ScanTree nowhere;
-    nowhere.driver.library_folder.clear();
-    nowhere.AddMusic("1.mp3", kTrack);
-    EnsureAlbumArtworkScan(&nowhere.driver);
-    EXPECT_NE(nowhere.driver.artwork_scan, nullptr);
+    EXPECT_EQ(ChildCount(track), 0);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <string>
 
-#include "artwork/track_thumbnails.h"
 #include "tests/artwork/thumb_tree.h"
 #include "tests/support/zip_builder.h"
 
@@ -53,10 +52,8 @@ TEST(BookThumbnail, TheEntryForITunesStandsInForACoverThatIsNotThere) {
     BookTree tree;
     const ZipBuilderEntry artwork = StoredEntry("iTunesArtwork", "artwork");
     // As a pattern the reference fits an entry of another name.
-    DriverPath *thumb = tree.AddPacked("a.epub", "OEBPS/.*.jpg", {StoredEntry("OEBPS/c.jpg", "c"), artwork});
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-    EXPECT_EQ(BookTree::Cover(thumb), "(none)") << "a name that Windows could not hold";
-    thumb = tree.AddPacked("b.epub", "OEBPS/[a-z]{1}.jpg", {StoredEntry("OEBPS/c.jpg", "c"), artwork});
+    DriverPath *thumb =
+        tree.AddPacked("b.epub", "OEBPS/[a-z]{1}.jpg", {StoredEntry("OEBPS/c.jpg", "c"), artwork});
     EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
     EXPECT_EQ(BookTree::Cover(thumb), tree.Temp("\\b.epub/iTunesArtwork"));
     EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "thumb_type"), ".jpg");
@@ -123,22 +120,6 @@ TEST(BookThumbnail, NothingIsUnpackedOrPointedToOutsideOfTheBooksFolder) {
     EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
     EXPECT_EQ(ChildCount(thumb), 0);
     EXPECT_TRUE(fs::is_empty(tree.temp.path()));
-}
-
-// A book's own walk goes to its cover, a track's to the artwork cache; one mark decides.
-TEST(BookThumbnail, OnlyAWalkThroughABookUnpacks) {
-    BookTree tree;
-    DriverPath *thumb = tree.AddPacked("a.epub", "c.jpg", {StoredEntry("c.jpg", "c")});
-    AppendChild(tree.music, "borrowed", thumb);
-    EXPECT_EQ(tree.At("library/music/borrowed"), thumb);
-    DriverPath *file = CreateDriverPath(&tree.driver, node_kind::kFile, node_category::kAudio, 20);
-    AppendChild(tree.music, "1.mp3", file);
-    AppendChild(file, "thumb", thumb);
-    thumb->share_count = 3;
-    EXPECT_EQ(tree.At("library/music/1.mp3/thumb"), thumb);
-    EXPECT_EQ(ChildCount(thumb), 0);
-    EXPECT_EQ(tree.At("library/Books/a.epub/thumb"), thumb);
-    EXPECT_EQ(ChildCount(thumb), 1);
 }
 
 }  // namespace

@@ -24,6 +24,8 @@ TEST(MediaInfo, TellsTheDurationThatNoTagTells) {
     if (!MediaInfoFile().IsReady()) GTEST_SKIP() << "MediaInfo is not installed here";
     MediaInfoTree tree;
     EXPECT_EQ(tree.Duration("a.wav", WavFile(2)), "2000");
+    // A test program, too, runs in the locale "C".
+    EXPECT_EQ(tree.Duration("\xC3\xA9 \xE5\xA4\x9C.wav", WavFile(1)), "1000");
     const std::string sound = tree.Duration("a.m4a", M4aFile(3, MediaTags()));
     EXPECT_EQ(sound.size(), 4U) << sound;
     EXPECT_EQ(sound[0], '3') << sound;

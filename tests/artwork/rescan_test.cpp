@@ -108,15 +108,35 @@ TEST(RescanLocalFolders, ScansEachFolderAndLeavesTheSameTreeTheSecondTime) {
     std::filesystem::remove_all(tree.files.path() / "Automatically Add to iTunes");
     EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
     EXPECT_THAT(tree.Under("library/music"), IsEmpty());
-}
-
-TEST(RescanLocalFolders, WithoutAFolderThereIsNothingToScan) {
-    MediaTree tree;
     tree.driver.add_folder.reset();
     EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
     EXPECT_THAT(tree.Under("library/ringtone"), IsEmpty());
-    LibraryDriver no_library;
-    EXPECT_EQ(ScanToneFolder(&no_library, "Tones"), -1);
+}
+
+// A program of the system serves as a file that has not changed for a while.
+TEST(RescanLocalFolders, WhatHasNotChangedIsNotReadAgain) {
+    MediaTree tree;
+    EnsureCategoryPath(&tree.driver, "Books", node_category::kBook, node_subcategory::kBook);
+    for (const char *name : {"Automatically Add to iTunes/a.mp3", "Tones/b.m4r", "Books/c.pdf"}) {
+        std::filesystem::create_directories((tree.files.path() / name).parent_path());
+        std::filesystem::create_symlink("/bin/sh", tree.files.path() / name);
+    }
+    const auto entries = [&] {
+        EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
+        return std::vector{tree.At("library/music/5000000.mp3"), tree.At("library/ringtone/b.m4r"),
+                           tree.At("library/Books/c.pdf")};
+    };
+    const auto first = entries();
+    EXPECT_THAT(first, testing::Each(testing::NotNull()));
+    EXPECT_EQ(entries(), first);
+    EXPECT_EQ(ThumbTree::Text(first[0], "id"), "5000000");
+    tree.Write("Movies/new.mp3", "comes first and takes the first number");
+    EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
+    EXPECT_EQ(tree.At("library/music/5000001.mp3"), first[0]);
+    EXPECT_EQ(ThumbTree::Text(first[0], "id"), "5000001");
+    std::filesystem::remove(tree.files.path() / "Tones/b.m4r");
+    EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
+    EXPECT_THAT(tree.Under("library/ringtone"), IsEmpty());
 }
 
 }  // namespace
