@@ -23,18 +23,6 @@ void Require(bool condition, const char *what) {
     if (!condition) throw std::runtime_error(what);
 }
 
-// Seconds of a refresh, without the load before it.
-double RefreshSeconds(const LibraryPlace &place, const std::string &changed_xml) {
-    LibraryDriver driver;
-    const ScopedEnvironmentValues environment(place.environment);
-    Require(CreateLibrary(&driver) == 0, "a library cannot be loaded");
-    driver.xml_path = changed_xml;
-    const double seconds = Seconds([&] { Require(RefreshLibrary(&driver) == 0, "a refresh has failed"); });
-    Require(GetVelmarArraySize(driver.tracks) == kTracks, "tracks are missing");
-    DestroyLibrary(&driver);
-    return seconds;
-}
-
 void Run() {
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);
     const TempFolder home;
@@ -42,16 +30,26 @@ void Run() {
     const std::string changed_xml = (home.path() / "changed.xml").string();
     GenerateLibrary(place.library_xml, {.tracks = kTracks - kNewTracks});
     GenerateLibrary(changed_xml, {.tracks = kTracks});
+    LibraryDriver driver;
+    const ScopedEnvironmentValues environment(place.environment);
+    Require(CreateLibrary(&driver) == 0, "a library cannot be loaded");
+    driver.xml_path = changed_xml;
+
+    // Each round begins with the library as it was loaded, as it runs in a copy of this process.
     Series refresh;
     Series read;
     for (int round = -1; round < kRounds; ++round) {
-        const double refresh_seconds = RefreshSeconds(place, changed_xml);
-        const double read_seconds =
-            Seconds([&] { Require(ReadPropertyListFile(changed_xml) != nullptr, "unreadable"); });
+        const Cost refresh_cost = MeasureInChild([&] {
+            Require(RefreshLibrary(&driver) == 0, "a refresh has failed");
+            Require(GetVelmarArraySize(driver.tracks) == kTracks, "tracks are missing");
+        });
+        const Cost read_cost = MeasureInChild(
+            [&] { Require(ReadPropertyListFile(changed_xml) != nullptr, "a list is unreadable"); });
         if (round < 0) continue;
-        refresh.Add(refresh_seconds);
-        read.Add(read_seconds);
+        refresh.Add(refresh_cost.seconds);
+        read.Add(read_cost.seconds);
     }
+    DestroyLibrary(&driver);
     std::cout << "refresh / reading the XML file = " << Ratio(refresh, read) << "   "
               << refresh.Text(1e3, "ms") << " / " << read.Text(1e3, "ms") << " for " << kTracks << " tracks, "
               << kNewTracks << " new\n";
