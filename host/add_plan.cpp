@@ -7,8 +7,6 @@
 
 #include "host/added_kinds.h"
 #include "host/file_naming.h"
-#include "host/host_error.h"
-#include "host/system.h"
 #include "host/text.h"
 
 namespace velmarhost {
@@ -142,31 +140,9 @@ class Planner {
     std::unordered_set<std::string> seen_;  // the real paths of folders and files
 };
 
-[[noreturn]] void Refuse(const std::string &words) {
-    throw HostError(ExitCode::kUsage, words);
-}
-
-void CheckName(const Options &options) {
-    const bool input = std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
-    if (options.add_name.empty()) {
-        if (input) Refuse("standard input has no name. Give it one, such as --name \"Song.mp3\".");
-        return;
-    }
-    std::error_code ignored;
-    if (options.paths.size() > 1 || fs::is_directory(options.paths.front(), ignored))
-        Refuse("--name is for a single FILE, and for no folder.");
-    if (!TreePathOfKind(options.add_name)) {
-        Refuse("--name: \"" + options.add_name +
-               "\" ends in no extension that iTunes takes, such as .mp3. See " + "velmarhost add --help");
-    }
-    if (input && IsTerminal(Stream::kInput))
-        Refuse("standard input is a terminal. Lead a file or a pipe into it.");
-}
-
 }  // namespace
 
 AddPlan PlanAdd(const Options &options) {
-    CheckName(options);
     Planner planner(options);
     for (const std::string &named : options.paths)
         planner.AddNamed(named);

@@ -30,7 +30,7 @@ struct AddPlan {
     uint64_t total_bytes = 0;
 };
 
-// Walks the folders, sorted by name, each of them once. Opens no file. Throws HostError with code kUsage.
+// Walks the folders, sorted by name, each of them once. Opens no file.
 AddPlan PlanAdd(const Options &options);
 
 }  // namespace velmarhost

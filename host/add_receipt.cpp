@@ -13,7 +13,9 @@ bool IsGood(const AddReceipt &receipt) {
 }
 
 std::string AddedLine(const AddReceipt &receipt) {
-    if (receipt.name.empty()) return "added      " + receipt.source + ", which iTunes has taken already";
+    if (receipt.name.empty())
+        return "added      " + receipt.source +
+               ", which does not show in the tree: iTunes may have taken it already";
     return "added      " + receipt.source + " as " + receipt.name +
            (receipt.path.empty() ? "" : ", now " + receipt.path);
 }
@@ -54,7 +56,7 @@ std::vector<std::string> AddSummary(const std::vector<AddReceipt> &receipts,
                                       " (" + FormatSize(bytes) + ")"};
     if (good < receipts.size()) lines.front() += ", " + std::to_string(receipts.size() - good) + " not";
     for (const auto &[reason, paths] : passed_over) {
-        lines.push_back("  passed over " + FormatCount(paths.size(), "entry", "entries") + " " + reason);
+        lines.push_back("  passed over " + FormatCount(paths.size(), "entry", "entries") + ": " + reason);
         if (!all) continue;
         for (const std::string &path : paths)
             lines.push_back("    " + path);

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <map>
 
+#include "host/add_options.h"
 #include "host/host_error.h"
 #include "host/library_session.h"
 
@@ -102,7 +103,7 @@ void AddGlobalOptions(CLI::App &app, Options &options) {
         ->take_all();
     app.add_option("--driver", options.driver, "Load this driver module")->type_name("FILE")->take_last();
     app.add_flag("-v,--verbose", options.verbose,
-                 "Show the driver's log, and every file that could not be got");
+                 "Show the driver's log, and every file that was not got or added");
     const std::map<std::string, ColorChoice> choices = {
         {"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}};
     app.add_option("--color", options.color, "auto, always or never")
@@ -203,7 +204,8 @@ void AddAdd(CLI::App &app, Options &options) {
     add->add_option("file", options.paths, "Files and folders; - is standard input")
         ->type_name("FILE")
         ->required();
-    add->add_option("--to", options.add_to, "Path to tell the driver; without it by the kind of each file")
+    add->add_option("--to", options.add_to,
+                    "The path to tell the driver; without it the place of each file's kind")
         ->type_name("PATH");
     add->add_option("--name", options.add_name, "The name to give to a single FILE, with its extension")
         ->type_name("NAME");
@@ -212,33 +214,13 @@ void AddAdd(CLI::App &app, Options &options) {
     add->footer(kAddFooter);
 }
 
-bool IsInLibraryFolder(const std::string &path) {
-    return path == "library" || path.starts_with("library/");
-}
-
-void CheckAdd(Options &options) {
-    options.library.add_files = true;
-    options.add_to = CleanPath(options.add_to);
-    if (!options.library.library.empty() && options.library.media.empty()) {
-        throw HostError(
-            ExitCode::kUsage,
-            "a library that is opened with --library has no folder to add files to: they would be "
-            "lost. Name its media folder with --media DIR.");
-    }
-    if (!options.add_to.empty() && !IsInLibraryFolder(options.add_to)) {
-        throw HostError(ExitCode::kUsage,
-                        "--to: files are added to the library alone, such as library/music, not to \"" +
-                            options.add_to + "\". iTunes puts them into lists.");
-    }
-}
-
 void CheckCombination(Options &options) {
     if (!options.library.media.empty() && options.library.library.empty()) {
         throw HostError(ExitCode::kUsage,
                         "--media tells where the media of a library file are now. Name that file with "
                         "--library FILE.");
     }
-    if (options.command == Command::kAdd) return CheckAdd(options);
+    if (options.command == Command::kAdd) return CompleteAddOptions(options);
     if (options.paths.empty()) options.paths.emplace_back();
     for (std::string &path : options.paths)
         path = CleanPath(path);
