@@ -7,17 +7,18 @@ namespace velmarhost {
 namespace {
 
 std::string LibraryFailure(const LibraryChoice &choice, const std::string &last_words, int32_t result) {
-    std::string text = choice.library.empty()
-                           ? "no iTunes library was found for this user. Name one with --library FILE"
-                           : "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
+    std::string text;
+    if (last_words.find(kAddFolderName) != std::string::npos) {
+        text = std::string("the media folder of the library has no folder \"") + kAddFolderName +
+               "\". Start iTunes once, which makes it, or make it yourself";
+    } else if (choice.library.empty()) {
+        text = "no iTunes library was found for this user. Name one with --library FILE";
+    } else {
+        text = "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
+    }
     text += " (the driver gave " + std::to_string(result);
     if (!last_words.empty()) text += ": " + last_words;
-    text += "). -v shows all that the driver said.";
-    if (last_words.find(kAddFolderName) != std::string::npos) {
-        text += std::string(" Start iTunes once, which makes that folder, or make a folder \"") +
-                kAddFolderName + "\" in the media folder of the library.";
-    }
-    return text;
+    return text + "). -v shows all that the driver said.";
 }
 
 }  // namespace
