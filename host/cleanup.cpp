@@ -1,5 +1,6 @@
 #include "host/cleanup.h"
 
+#include <atomic>
 #include <mutex>
 #include <set>
 
@@ -16,6 +17,9 @@ ScratchList &Scratch() {
     static ScratchList *list = new ScratchList;
     return *list;
 }
+
+bool signals_are_held = false;  // guarded by the list's mutex
+std::atomic<int> held_signal = 0;
 
 // Another thread may still write into the folder, so one attempt can fail.
 void RemoveStubbornly(const std::filesystem::path &path) {
@@ -42,10 +46,32 @@ ScratchPath::~ScratchPath() {
     std::filesystem::remove_all(path_, ignored);
 }
 
-void RemoveScratch() {
-    Scratch().mutex.lock();  // for good
+StopRequest::StopRequest() {
+    const std::lock_guard lock(Scratch().mutex);
+    held_signal = 0;
+    signals_are_held = true;
+}
+
+void StopRequest::Release() {
+    const std::lock_guard lock(Scratch().mutex);
+    signals_are_held = false;
+}
+
+int StopRequest::signal() const {
+    return held_signal;
+}
+
+bool CleanUpAtSignal(int signal) {
+    std::unique_lock lock(Scratch().mutex);
+    if (signals_are_held) {
+        int none = 0;
+        held_signal.compare_exchange_strong(none, signal);
+        return false;
+    }
+    lock.release();  // locked for good
     for (const std::filesystem::path &path : Scratch().paths)
         RemoveStubbornly(path);
+    return true;
 }
 
 }  // namespace velmarhost

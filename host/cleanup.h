@@ -23,9 +23,25 @@ class ScratchPath {
     std::filesystem::path path_;
 };
 
-// Removes every living ScratchPath from the disk, and lets no new one come into being: a thread that makes
-// one waits for the end of the process. Called once, when a signal ends it.
-void RemoveScratch();
+// While one lives, a signal that would end the program only asks for a stop: for work that has to be brought
+// to an end in its own way. One at a time.
+class StopRequest {
+  public:
+    StopRequest();
+    ~StopRequest() { Release(); }
+    StopRequest(const StopRequest &) = delete;
+    StopRequest &operator=(const StopRequest &) = delete;
+
+    // From here on signals end the program at once again.
+    void Release();
+    // The first signal that came before the release; 0 for none.
+    int signal() const;
+};
+
+// What happens at a signal: a StopRequest takes it and the answer is false. Otherwise every living
+// ScratchPath is removed from the disk, no new one comes into being (a thread that makes one waits for the
+// end of the process), and the answer is true: the process is to end.
+bool CleanUpAtSignal(int signal);
 
 }  // namespace velmarhost
 

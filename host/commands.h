@@ -16,6 +16,8 @@ ExitCode RunStat(const Options &options, LibrarySession &session, Output &output
 ExitCode RunCat(const Options &options, LibrarySession &session, Output &output);
 ExitCode RunThumb(const Options &options, LibrarySession &session, Output &output);
 ExitCode RunGet(const Options &options, LibrarySession &session, Output &output);
+// Throws Interrupted too, when a signal stopped the copies.
+ExitCode RunAdd(const Options &options, LibrarySession &session, Output &output);
 
 }  // namespace velmarhost
 

@@ -43,6 +43,9 @@ DriverModule LoadDriverModule(const std::string &file) {
     Resolve(module, "OpenDriverPath", driver.open_path);
     Resolve(module, "CloseDriverPath", driver.close_path);
     Resolve(module, "GetDriverPathInfo", driver.get_info);
+    Resolve(module, "StartPathCopy", driver.start_copy);
+    Resolve(module, "CopyDriverPath", driver.copy_path);
+    Resolve(module, "FinishPathCopy", driver.finish_copy);
     Resolve(module, "OpenDriverStream", driver.open_stream);
     Resolve(module, "CloseDriverStream", driver.close_stream);
     Resolve(module, "ReadDriverStream", driver.read_stream);

@@ -14,6 +14,9 @@ struct DriverModule {
     decltype(&OpenDriverPath) open_path;
     decltype(&CloseDriverPath) close_path;
     decltype(&GetDriverPathInfo) get_info;
+    decltype(&StartPathCopy) start_copy;
+    decltype(&CopyDriverPath) copy_path;
+    decltype(&FinishPathCopy) finish_copy;
     decltype(&OpenDriverStream) open_stream;
     decltype(&CloseDriverStream) close_stream;
     decltype(&ReadDriverStream) read_stream;

@@ -30,6 +30,16 @@ class HostError : public std::runtime_error {
 // The reader of standard output has gone. Not an error: the program ends without a word.
 class OutputClosed : public std::exception {};
 
+// A signal came, and what it asked to stop has been brought to an end: the program ends by it.
+class Interrupted : public std::exception {
+  public:
+    explicit Interrupted(int signal) : signal_(signal) {}
+    int signal() const { return signal_; }
+
+  private:
+    int signal_;
+};
+
 }  // namespace velmarhost
 
 #endif

@@ -1,6 +1,8 @@
 #include "host/json_output.h"
 
 #include <nlohmann/json.hpp>
+#include <string_view>
+#include <utility>
 
 #include "host/node_words.h"
 #include "host/system.h"
@@ -37,6 +39,21 @@ Json EntryObject(const LibrarySession &session, const WalkEntry &entry) {
     return object;
 }
 
+Json TextOrNull(const std::string &text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
+Json ReceiptObject(const AddReceipt &receipt) {
+    Json object = {{"source", receipt.source},
+                   {"result", ResultWord(receipt.result)},
+                   {"name", TextOrNull(receipt.name)},
+                   {"path", TextOrNull(receipt.path)},
+                   {"location", TextOrNull(receipt.location)},
+                   {"bytes", receipt.bytes}};
+    if (!receipt.problem.empty()) object["problem"] = receipt.problem;
+    return object;
+}
+
 }  // namespace
 
 void JsonEntries::Add(const WalkEntry &entry) {
@@ -47,6 +64,16 @@ void JsonEntries::Add(const WalkEntry &entry) {
 
 void JsonEntries::End() {
     output_.Raw(empty_ ? "[]\n" : "\n]\n");
+}
+
+void WriteJsonReceipts(const std::vector<AddReceipt> &receipts, Output &output) {
+    output.Raw("[");
+    std::string_view separator = "\n";
+    for (const AddReceipt &receipt : receipts) {
+        output.Raw(std::exchange(separator, ",\n"));
+        output.Raw(JsonText(ReceiptObject(receipt), -1));
+    }
+    output.Raw(receipts.empty() ? "]\n" : "\n]\n");
 }
 
 void WriteJsonNode(const LibrarySession &session, const WalkEntry &entry, Output &output) {

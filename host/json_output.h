@@ -2,7 +2,9 @@
 #define HOST_JSON_OUTPUT_H
 
 #include <string>
+#include <vector>
 
+#include "host/add_receipt.h"
 #include "host/library_session.h"
 #include "host/output.h"
 #include "host/tree_walk.h"
@@ -23,6 +25,9 @@ class JsonEntries {
     Output &output_;
     bool empty_ = true;
 };
+
+// An array with one object for each receipt. The shape is told in the help text of "add".
+void WriteJsonReceipts(const std::vector<AddReceipt> &receipts, Output &output);
 
 // One object, with the names of the children.
 void WriteJsonNode(const LibrarySession &session, const WalkEntry &entry, Output &output);

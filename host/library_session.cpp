@@ -7,9 +7,15 @@ namespace velmarhost {
 namespace {
 
 std::string LibraryFailure(const LibraryChoice &choice, const std::string &last_words, int32_t result) {
-    std::string text = choice.library.empty()
-                           ? "no iTunes library was found for this user. Name one with --library FILE"
-                           : "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
+    std::string text;
+    if (last_words.find(kAddFolderName) != std::string::npos) {
+        text = std::string("the media folder of the library has no folder \"") + kAddFolderName +
+               "\". Start iTunes once, which makes it, or make it yourself";
+    } else if (choice.library.empty()) {
+        text = "no iTunes library was found for this user. Name one with --library FILE";
+    } else {
+        text = "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
+    }
     text += " (the driver gave " + std::to_string(result);
     if (!last_words.empty()) text += ": " + last_words;
     return text + "). -v shows all that the driver said.";
@@ -52,6 +58,21 @@ std::unique_ptr<MediaStream> LibrarySession::OpenStream(const std::string &path,
     if (result == 0 && stream != nullptr) return std::make_unique<MediaStream>(driver_, stream);
     failure = {result, log_.LastWords()};
     return nullptr;
+}
+
+void LibrarySession::StartCopies(CopyProgressCallback progress, void *context, int32_t chunk_bytes) {
+    driver_.start_copy(library_, 0, progress, context, chunk_bytes);
+}
+
+int32_t LibrarySession::Copy(const std::string &path, const CopySourceInfo &source, std::string &last_words) {
+    log_.Clear();
+    const int32_t result = driver_.copy_path(library_, 0, path.c_str(), &source);
+    last_words = log_.LastWords();
+    return result;
+}
+
+void LibrarySession::FinishCopies() {
+    driver_.finish_copy(library_, 0);
 }
 
 std::string LibrarySession::Location(const Node &node) const {

@@ -53,8 +53,17 @@ class LibrarySession {
     // Null on failure, and then `failure` is filled.
     std::unique_ptr<MediaStream> OpenStream(const std::string &path, StreamFailure &failure);
 
+    // A batch of copies into iTunes, as the exports of the driver offer it. `progress` is called on this
+    // thread, within Copy.
+    void StartCopies(CopyProgressCallback progress, void *context, int32_t chunk_bytes);
+    // The driver's result; `last_words` is what it logged meanwhile.
+    int32_t Copy(const std::string &path, const CopySourceInfo &source, std::string &last_words);
+    // Blocks for a second or more. Nodes that are open stay valid; what they show may be out of date.
+    void FinishCopies();
+
     // The attributes of a node as a user wants to see them.
     std::string Location(const Node &node) const;
+    std::string Location(std::string_view location) const { return environment_.TellLocation(location); }
     std::vector<std::pair<std::string, std::string>> Attributes(const Node &node) const;
 
   private:

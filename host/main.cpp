@@ -27,6 +27,8 @@ ExitCode RunCommand(const Options &options, LibrarySession &session, Output &out
             return RunThumb(options, session, output);
         case Command::kGet:
             return RunGet(options, session, output);
+        case Command::kAdd:
+            return RunAdd(options, session, output);
     }
     return ExitCode::kUsage;
 }
@@ -55,6 +57,8 @@ ExitCode RunAndExplain(int argument_count, char **arguments) {
         return error.code();
     } catch (const OutputClosed &) {
         throw;
+    } catch (const Interrupted &) {
+        throw;
     } catch (const std::exception &error) {
         PrintMessage(std::string("velmarhost: ") + error.what());
         return ExitCode::kIncomplete;
@@ -65,10 +69,12 @@ ExitCode RunAndExplain(int argument_count, char **arguments) {
 }  // namespace velmarhost
 
 int main(int argument_count, char **arguments) {
-    velmarhost::WatchSignals(&velmarhost::RemoveScratch);
+    velmarhost::WatchSignals(&velmarhost::CleanUpAtSignal);
     try {
         return static_cast<int>(velmarhost::RunAndExplain(argument_count, arguments));
     } catch (const velmarhost::OutputClosed &) {
         velmarhost::EndAsBrokenPipe();
+    } catch (const velmarhost::Interrupted &interrupted) {
+        velmarhost::EndAsSignaled(interrupted.signal());
     }
 }

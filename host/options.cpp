@@ -4,6 +4,7 @@
 #include <iostream>
 #include <map>
 
+#include "host/add_options.h"
 #include "host/host_error.h"
 #include "host/library_session.h"
 
@@ -11,7 +12,8 @@ namespace velmarhost {
 namespace {
 
 constexpr const char *kDescription =
-    "Browses an iTunes library on disk and gets files out of it. Nothing in the library is changed.";
+    "Browses an iTunes library on disk, gets files out of it and adds files to it. Only add changes "
+    "anything.";
 
 constexpr const char *kFooter =
     R"(Paths are names joined by "/", as tree and ls show them; no PATH is the root of the tree.
@@ -23,16 +25,18 @@ Examples:
   velmarhost get library/music --to ~/Music --with-artwork
   velmarhost --library old/iTunes/iTunes\ Library.xml --media old/iTunes/iTunes\ Media \
              get playlist/Favourites --to .
+  velmarhost add ~/Downloads/album --dry-run
 
 Results go to standard output, everything else to standard error. NO_COLOR and TERM=dumb are respected.
 
 Exit codes:
   0  all was done
-  1  some of it could not be done; standard error tells what
+  1  some of it could not be done; standard error tells what, or for add its receipts
   2  the command line is wrong
   3  the library could not be opened
   4  no such path in the library
-  5  the driver module could not be loaded)";
+  5  the driver module could not be loaded
+A run that a signal ends has 128 and the signal's number, such as 130 after Ctrl-C.)";
 
 constexpr const char *kJsonHelp = "Write JSON: see \"JSON\" in velmarhost stat --help";
 
@@ -63,6 +67,27 @@ files that have a picture.
 A picture comes as it is: a PNG or JPEG file, or raw pixels without any header, which few programs can show. --png makes
 a PNG of raw pixels and leaves a PNG alone; a JPEG it refuses. A file that is there already is replaced.)";
 
+constexpr const char *kAddFooter =
+    R"(A FILE is a file, a folder with all that lies in it, or - for standard input, which needs --name. Files are copied into
+the folder "Automatically Add to iTunes" of the media folder, from where iTunes takes them at its next look. In folders,
+hidden files and files of kinds that iTunes does not take are passed over and counted.
+iTunes takes: mp3 m4a aac wav, m4r, mp4 m4v mp4v mov mpg mpeg mpeg4, pdf epub, ipa.
+
+Every file gets a receipt: one line, or with --json one object. It tells the name that the file got, which has a number
+where the name was taken, and where it shows in the tree, or else why it was not added. Nothing is written for a file that
+could not be added whole. Ctrl-C stops the copies in the same way: the receipts tell how far they came.
+
+A library opened with --library needs --media DIR as well, and DIR the folder "Automatically Add to iTunes".
+
+JSON: an array with one object for each file, in the order of the copies:
+  source    the file, as it was named
+  result    "added", "would-add" (with --dry-run), "failed" or "interrupted"
+  name      the name that it got, or with --dry-run asks for; null where nothing tells it
+  path      where it shows in the tree; null where it does not
+  location  the file behind that path
+  bytes     its size; 0 where unknown
+  problem   why it was not added; missing for what was)";
+
 void AddGlobalOptions(CLI::App &app, Options &options) {
     app.add_option("--library", options.library.library,
                    "Open this library file (XML, or .itl) instead of the user's own library")
@@ -78,7 +103,7 @@ void AddGlobalOptions(CLI::App &app, Options &options) {
         ->take_all();
     app.add_option("--driver", options.driver, "Load this driver module")->type_name("FILE")->take_last();
     app.add_flag("-v,--verbose", options.verbose,
-                 "Show the driver's log, and every file that could not be got");
+                 "Show the driver's log, and every file that was not got or added");
     const std::map<std::string, ColorChoice> choices = {
         {"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}};
     app.add_option("--color", options.color, "auto, always or never")
@@ -173,12 +198,29 @@ void AddGet(CLI::App &app, Options &options) {
     get->footer(kGetFooter);
 }
 
+void AddAdd(CLI::App &app, Options &options) {
+    CLI::App *add =
+        AddCommand(app, options, Command::kAdd, "add", "Copy files and whole folders into iTunes");
+    add->add_option("file", options.paths, "Files and folders; - is standard input")
+        ->type_name("FILE")
+        ->required();
+    add->add_option("--to", options.add_to,
+                    "The path to tell the driver; without it the place of each file's kind")
+        ->type_name("PATH");
+    add->add_option("--name", options.add_name, "The name to give to a single FILE, with its extension")
+        ->type_name("NAME");
+    add->add_flag("--dry-run", options.dry_run, "Only tell what would be added");
+    add->add_flag("--json", options.json, "Write the receipts as JSON");
+    add->footer(kAddFooter);
+}
+
 void CheckCombination(Options &options) {
     if (!options.library.media.empty() && options.library.library.empty()) {
         throw HostError(ExitCode::kUsage,
                         "--media tells where the media of a library file are now. Name that file with "
                         "--library FILE.");
     }
+    if (options.command == Command::kAdd) return CompleteAddOptions(options);
     if (options.paths.empty()) options.paths.emplace_back();
     for (std::string &path : options.paths)
         path = CleanPath(path);
@@ -199,6 +241,7 @@ std::optional<Options> ParseOptions(int argument_count, char **arguments) {
     AddCat(app, options);
     AddThumb(app, options);
     AddGet(app, options);
+    AddAdd(app, options);
     try {
         app.parse(argument_count, arguments);
     } catch (const CLI::Success &answer) {

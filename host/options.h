@@ -14,13 +14,13 @@
 
 namespace velmarhost {
 
-enum class Command { kTree, kLs, kStat, kCat, kThumb, kGet };
+enum class Command { kTree, kLs, kStat, kCat, kThumb, kGet, kAdd };
 enum class FileNames { kTitle, kPath };
 
 // What the user asked for. An option stands at its default where the command does not know it.
 struct Options {
     Command command = Command::kTree;
-    std::vector<std::string> paths;  // of the tree; one, except for get
+    std::vector<std::string> paths;  // of the tree; one, except for get; for add files of the disk
 
     LibraryChoice library;
     std::string driver;  // empty: the one beside the program
@@ -41,6 +41,9 @@ struct Options {
     std::optional<ThumbnailSize> thumbnail_size;
     std::string file;  // to write the thumbnail to; "-" is standard output
     bool png = false;
+    std::string add_to;    // a path of the tree; empty: by the kind of each file
+    std::string add_name;  // the name of the one file; empty: its own
+    bool dry_run = false;
 };
 
 // Reads the command line. Empty after --help or --version, which are answered here. Throws HostError with

@@ -16,7 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char *kAddFolderName = "Automatically Add to iTunes";
 constexpr const char *kDriveFolderName = "dosdevices";
 
 void RequireFolder(const fs::path &folder, const std::string &option) {
@@ -42,6 +41,27 @@ bool LooksLikeAddFolder(const fs::directory_entry &entry) {
     const std::string name = entry.path().filename().string();
     return entry.is_directory(ignored) && name.find("iTunes") != std::string::npos &&
            CountCharacters(name) >= kShortestName;
+}
+
+// The real add folder of a media folder: one of the names that iTunes and its successor use in English, which
+// end so on a Mac, or else the only one whose name may stand for it in another language.
+fs::path FindAddFolder(const fs::path &media) {
+    std::error_code ignored;
+    for (const std::string name : {kAddFolderName, "Automatically Add to Music"}) {
+        for (const char *ending : {"", ".localized"}) {
+            const fs::path folder = media / (name + ending);
+            if (fs::is_directory(folder, ignored)) return folder;
+        }
+    }
+    std::vector<fs::path> candidates;
+    for (const fs::directory_entry &entry : fs::directory_iterator(media)) {
+        if (LooksLikeAddFolder(entry)) candidates.push_back(entry.path());
+    }
+    if (candidates.size() == 1) return candidates.front();
+    throw HostError(ExitCode::kUsage, "--media: \"" + media.string() + "\" holds no folder \"" +
+                                          kAddFolderName +
+                                          "\" to add files to. Make one there, or name the media folder of a "
+                                          "library that iTunes has opened.");
 }
 
 std::string ForwardSlashes(std::string_view path) {
@@ -88,10 +108,12 @@ PrivateEnvironment::PrivateEnvironment(const LibraryChoice &choice) : folder_(Ma
 void PrivateEnvironment::UseLibrary(const LibraryChoice &choice) {
     fs::create_directories(root() / "library");
     fs::create_directories(root() / "music" / "iTunes");
-    fs::create_directories(root() / "media" / kAddFolderName);
+    fs::create_directories(root() / "media");
+    if (!choice.add_files) fs::create_directory(root() / "media" / kAddFolderName);
     if (!choice.media.empty()) {
         RequireFolder(choice.media, "--media");
         media_ = fs::canonical(choice.media);
+        if (choice.add_files) LinkAddFolder();
         shown_folders_.emplace_back(root() / "media", media_);
         LinkMedia();
     }
@@ -105,10 +127,17 @@ void PrivateEnvironment::UseLibrary(const LibraryChoice &choice) {
     SetEnvironment("APPDATA", (root() / "preferences").string());
 }
 
+void PrivateEnvironment::LinkAddFolder() {
+    const fs::path folder = FindAddFolder(media_);
+    fs::create_directory_symlink(folder, root() / "media" / kAddFolderName);
+    // In front of the folder that it lies in.
+    shown_folders_.emplace(shown_folders_.begin(), root() / "media" / kAddFolderName, folder);
+}
+
 void PrivateEnvironment::LinkMedia() {
     for (const fs::directory_entry &entry : fs::directory_iterator(media_)) {
         const fs::path name = entry.path().filename();
-        if (LooksLikeAddFolder(entry)) {
+        if (LooksLikeAddFolder(entry)) {  // in place of these there is the one of the private folder
             unlinked_media_.push_back(name.string());
         } else {
             fs::create_symlink(entry.path(), root() / "media" / name);

@@ -12,17 +12,22 @@
 
 namespace velmarhost {
 
+// The folder of the media folder that iTunes takes new files from; in English, and others are known too.
+inline constexpr const char *kAddFolderName = "Automatically Add to iTunes";
+
 // Which library to open. Empty texts stand for what the environment of the user says.
 struct LibraryChoice {
     std::filesystem::path library;    // a library file, opened as if it were the only one on the machine
     std::filesystem::path media;      // where the media folder of that library is now
     std::vector<std::string> drives;  // "C:=folder"
+    bool add_files = false;           // the media folder is to be written to: what is added stays there
 };
 
 // What the driver takes for the user's machine, for as long as this object lives: a private folder that holds
 // the driver's temporary files and, for a library of the user's choice, a preference file, a media folder of
-// links, an empty add folder and the drives. Nothing of the user's own is written to. The environment
-// variables of the process point there.
+// links, an empty add folder and the drives. Nothing of the user's own is written to, except where files are
+// to be added: then the add folder is a link to the real one. The environment variables of the process point
+// there.
 //
 //   temp/                                         TEMP
 //   preferences/Apple Computer/iTunes/...         APPDATA
@@ -44,6 +49,7 @@ class PrivateEnvironment {
     std::filesystem::path root() const { return folder_.path(); }
     void UseLibrary(const LibraryChoice &choice);
     void LinkMedia();
+    void LinkAddFolder();
     void PlaceLibrary(const std::filesystem::path &library);
     void PlaceXml(const std::filesystem::path &library, const std::filesystem::path &target) const;
     void UseDrives(const std::vector<std::string> &drives);

@@ -25,6 +25,17 @@ std::string Bar(double share) {
     return "[" + std::string(filled, '#') + std::string(kBarColumns - filled, ' ') + "]";
 }
 
+// "1.2 MB/s, 1:05 left", with two blanks in front; empty where there is no telling.
+std::string PaceText(const TransferState &state) {
+    if (state.bytes_per_second < 1) return {};
+    std::string text = "  " + FormatSize(static_cast<uint64_t>(state.bytes_per_second)) + "/s";
+    if (state.bytes_total > state.bytes_done) {
+        const auto left = static_cast<double>(state.bytes_total - state.bytes_done);
+        text += ", " + FormatDuration(left / state.bytes_per_second) + " left";
+    }
+    return text;
+}
+
 // Letters of East Asian scripts and pictures take two columns.
 std::string CutToColumns(std::string_view text, std::size_t columns) {
     constexpr char32_t kFirstWide = 0x1100;
@@ -47,6 +58,7 @@ std::string ProgressText(const TransferState &state, std::string_view file, std:
                        std::to_string(state.files_done) + "/" + std::to_string(state.files_total) +
                        " files  " + FormatSize(state.bytes_done);
     if (state.bytes_total > 0) text += " of " + FormatSize(state.bytes_total);
+    text += PaceText(state);
     return CutToColumns(text + "  " + EscapeText(file), columns);
 }
 
@@ -63,6 +75,7 @@ void Progress::BeginFile(std::string_view name) {
 
 void Progress::AddBytes(uint64_t count) {
     state_.bytes_done += count;
+    bytes_moved_ += count;
     Draw();
 }
 
@@ -77,6 +90,7 @@ void Progress::Draw() {
     if (!enabled_ || now < next_draw_) return;
     next_draw_ = now + kDrawPeriod;
     drawn_ = true;
+    state_.bytes_per_second = rate_.BytesPerSecond(now, bytes_moved_);
     // The last column stays free, as some terminals begin a new line when it is filled.
     const auto columns = static_cast<std::size_t>(std::max(TerminalWidth() - 1, 1));
     std::string line = "\r";

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/transfer_rate.h"
+
 namespace velmarhost {
 
 // How far a transfer has come. Bytes that are on their way again or were told wrong in advance do no harm.
@@ -15,6 +17,7 @@ struct TransferState {
     std::size_t files_total = 0;
     uint64_t bytes_done = 0;
     uint64_t bytes_total = 0;
+    double bytes_per_second = 0;  // 0 where unknown
 };
 
 // The text of a progress line with at most so many columns.
@@ -43,6 +46,8 @@ class Progress {
     TransferState state_;
     uint64_t bytes_before_file_ = 0;
     std::string file_;
+    uint64_t bytes_moved_ = 0;  // whatever they counted for
+    TransferRate rate_;
     std::chrono::steady_clock::time_point next_draw_;
 };
 

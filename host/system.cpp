@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <pthread.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -53,7 +54,8 @@ void *FindModuleSymbol(void *module, const char *name) {
 }
 
 bool IsTerminal(Stream stream) {
-    return isatty(stream == Stream::kOutput ? STDOUT_FILENO : STDERR_FILENO) == 1;
+    constexpr std::array kDescriptors = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+    return isatty(kDescriptors.at(static_cast<std::size_t>(stream))) == 1;
 }
 
 int TerminalWidth() {
@@ -77,7 +79,14 @@ std::filesystem::path MakePrivateFolder() {
     return pattern;
 }
 
-void WatchSignals(void (*clean_up)()) {
+std::optional<uint64_t> RemainingInput() {
+    struct stat status {};
+    if (fstat(STDIN_FILENO, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    const off_t position = lseek(STDIN_FILENO, 0, SEEK_CUR);
+    return position < 0 || position > status.st_size ? 0 : static_cast<uint64_t>(status.st_size - position);
+}
+
+void WatchSignals(bool (*clean_up)(int signal)) {
     std::signal(SIGPIPE, SIG_IGN);
     sigset_t set;
     sigemptyset(&set);
@@ -88,10 +97,17 @@ void WatchSignals(void (*clean_up)()) {
     // The thread lives as long as the process; nothing waits for it.
     std::thread([set, clean_up] {
         int signal = 0;
-        if (sigwait(&set, &signal) != 0) return;
-        clean_up();
+        do {
+            if (sigwait(&set, &signal) != 0) return;
+        } while (!clean_up(signal));
         EndBySignal(signal);
     }).detach();
+}
+
+void EndAsSignaled(int signal) {
+    EndBySignal(signal);
+    constexpr int kSignalBase = 128;  // as shells tell of a process that a signal ended
+    std::_Exit(kSignalBase + signal);
 }
 
 void EndAsBrokenPipe() {

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include "host/cleanup.h"
+#include "host/file_owner.h"
 
 namespace velmarhost {
 
@@ -34,12 +34,8 @@ class TargetFile {
     void Finish(const std::filesystem::path &target, std::optional<int64_t> modified);
 
   private:
-    struct Closer {
-        void operator()(std::FILE *file) const { std::fclose(file); }
-    };
-
     ScratchPath scratch_;
-    std::unique_ptr<std::FILE, Closer> file_;
+    FileOwner file_;
 };
 
 // A whole file at once, in the place of what has the name already. Throws std::system_error.

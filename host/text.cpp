@@ -173,6 +173,21 @@ std::string FormatSize(uint64_t bytes) {
     return buffer.data();
 }
 
+std::string FormatDuration(double seconds) {
+    constexpr double kLongest = 99 * 3600.0;
+    if (!(seconds <= kLongest)) return "over 99 hours";
+    const auto whole = static_cast<unsigned>(std::max(seconds, 0.0) + 0.5);
+    const unsigned hours = whole / 3600;
+    const unsigned minutes = whole / 60 % 60;
+    std::array<char, 32> buffer{};
+    if (hours > 0) {
+        std::snprintf(buffer.data(), buffer.size(), "%u:%02u:%02u", hours, minutes, whole % 60);
+    } else {
+        std::snprintf(buffer.data(), buffer.size(), "%u:%02u", minutes, whole % 60);
+    }
+    return buffer.data();
+}
+
 std::string FormatCount(std::size_t count, std::string_view singular, std::string_view plural) {
     return std::to_string(count) + " " + std::string(count == 1 ? singular : plural);
 }

@@ -43,6 +43,9 @@ std::optional<int64_t> ParseNumber(std::string_view text);
 // "734 B", "1.2 MB", in steps of 1000.
 std::string FormatSize(uint64_t bytes);
 
+// "0:07", "12:30", "3:05:00"; "over 99 hours" beyond that.
+std::string FormatDuration(double seconds);
+
 // "1 file", "3 files", in which `plural` is the whole word.
 std::string FormatCount(std::size_t count, std::string_view singular, std::string_view plural);
 

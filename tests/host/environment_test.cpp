@@ -69,6 +69,39 @@ TEST_F(Environment, MediaFolderIsLinkedAndLocationsMove) {
     EXPECT_EQ(ReadWholeFile(Library()), kLibrary);
 }
 
+TEST_F(Environment, OnlyAddReachesTheRealAddFolder) {
+    const std::string song = host_.files().Write("song.mp3", "bytes").string();
+    const std::vector<std::string> add = {"--library", Library(), "--media", Disk(), "add", song};
+    const HostResult result = host_.Run(add);
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(fs::read_symlink(Snapshot() / "media" / "Automatically Add to iTunes"),
+              Disk() + "/Automatically Add to iTunes");
+    EXPECT_EQ(ReadWholeFile(Disk() + "/Automatically Add to iTunes/song.mp3"), "bytes");
+    EXPECT_EQ(host_.LeftBehind(), 0U);
+}
+
+TEST_F(Environment, AddFolderIsKnownByItsOtherNames) {
+    const std::string song = host_.files().Write("song.mp3", "bytes").string();
+    const auto add = [&] {
+        return host_.Run({"--library", Library(), "--media", Disk(), "add", "--json", song});
+    };
+    host_.Set("FAKE_DRIVER_SNAPSHOT", "");
+    fs::path folder = Disk() + "/Automatically Add to iTunes";
+    for (const char *name : {"Automatically Add to Music.localized", "Automatisch zu iTunes hinzufügen"}) {
+        fs::remove_all(Disk() + "/iTunes Extras");  // would do for one, too
+        fs::rename(folder, Disk() + "/" + name);
+        folder = Disk() + "/" + name;
+        EXPECT_THAT(add().output, HasSubstr("\"location\":\"" + folder.string() + "/song.mp3\"")) << name;
+        fs::remove(folder / "song.mp3");
+    }
+    fs::remove_all(folder);
+    const HostResult none = add();
+    EXPECT_EQ(none.exit_code, 2);
+    EXPECT_THAT(none.errors, HasSubstr(Disk() + "\" holds no folder \"Automatically Add to iTunes\""));
+    EXPECT_EQ(host_.Run({"--library", Library(), "add", song}).exit_code, 2);
+    EXPECT_EQ(host_.LeftBehind(), 0U);
+}
+
 TEST_F(Environment, DrivesAreMappedBesideTheUsersOwn) {
     fs::create_directories(host_.folder() / "home" / ".wine" / "dosdevices");
     fs::create_directory_symlink("/usr", host_.folder() / "home" / ".wine" / "dosdevices" / "c:");

@@ -3,7 +3,8 @@
 //   FAKE_DRIVER_RESULT    InitializeDriverPath logs a line and gives this number
 //   FAKE_DRIVER_SNAPSHOT  a folder into which it copies what the environment points to, links as links
 //   FAKE_DRIVER_FILES     see FakeTree
-// A path or stream that is still open at the end is a fault of the host, told on standard error.
+//   and those of FakeCopies
+// A path, stream or batch that is still open at the end is a fault of the host, told on standard error.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -14,11 +15,13 @@
 #include <thread>
 
 #include "driver/itunes_driver.h"
+#include "tests/host/fake_copies.h"
 #include "tests/host/fake_tree.h"
 
 struct LibraryDriver {
     explicit LibraryDriver(std::size_t many_files) : tree(many_files) {}
     FakeTree tree;
+    FakeCopies copies;
     int open_streams = 0;
 };
 
@@ -62,12 +65,14 @@ int32_t InitializeDriverPath(DriverStartupCallback, void *, uintptr_t, LibraryDr
     }
     const std::string files = Variable("FAKE_DRIVER_FILES");
     *driver = new LibraryDriver(files.empty() ? 0 : std::stoul(files));
+    (*driver)->tree.Rescan((*driver)->copies.folder());
     return 0;
 }
 
 int32_t UninitializeDriverPath(LibraryDriver *driver) {
     if (driver == nullptr) return 1;
-    if (driver->open_streams != 0 || driver->tree.open_count() != 0) std::fputs("FAULT: left open\n", stderr);
+    if (driver->open_streams != 0 || driver->tree.open_count() != 0 || driver->copies.open())
+        std::fputs("FAULT: left open\n", stderr);
     delete driver;
     return 0;
 }
@@ -90,13 +95,19 @@ int32_t GetDriverPathInfo(DriverPath *path, DriverPathInfo *info) {
     return 0;
 }
 
-int32_t StartPathCopy(LibraryDriver *, uintptr_t, CopyProgressCallback, void *, int32_t) {
+int32_t StartPathCopy(LibraryDriver *driver, uintptr_t, CopyProgressCallback callback, void *context,
+                      int32_t chunk_size) {
+    driver->copies.Start(callback, context, chunk_size);
     return 0;
 }
-int32_t CopyDriverPath(LibraryDriver *, int32_t, const char *, const CopySourceInfo *) {
-    return -1;
+
+int32_t CopyDriverPath(LibraryDriver *driver, int32_t, const char *path_text, const CopySourceInfo *source) {
+    return driver->copies.Copy(path_text, *source);
 }
-int32_t FinishPathCopy(LibraryDriver *, uintptr_t) {
+
+int32_t FinishPathCopy(LibraryDriver *driver, uintptr_t) {
+    driver->copies.Finish();
+    driver->tree.Rescan(driver->copies.folder());
     return 0;
 }
 

@@ -1,6 +1,7 @@
 #include "tests/host/fake_tree.h"
 
 #include <algorithm>
+#include <set>
 
 #include "tests/host/fake_pictures.h"
 
@@ -18,7 +19,18 @@ DriverPath::~DriverPath() {
 void DriverPath::Add(const std::string &name, DriverPath *child) {
     name_texts_.push_back(name);
     AddVelmarArrayItem(names, name_texts_.back().data());
+    child_list_.push_back(child);
     children_.try_emplace(name, child);
+}
+
+void DriverPath::DropScanned() {
+    while (!child_list_.empty() && child_list_.back()->scanned) {
+        const auto named = children_.find(name_texts_.back());
+        if (named != children_.end() && named->second == child_list_.back()) children_.erase(named);
+        DeleteVelmarArrayItem(names, GetVelmarArraySize(names) - 1);
+        name_texts_.pop_back();
+        child_list_.pop_back();
+    }
 }
 
 void DriverPath::Set(const std::string &key, const std::string &value) const {
@@ -70,6 +82,35 @@ void FakeTree::ShowArt() {
     }
 }
 
+void FakeTree::Rescan(const std::filesystem::path &folder) {
+    if (folder.empty()) return;
+    DriverPath *library = root_->Child("library");
+    DriverPath *music = library->Child("music");
+    DriverPath *book = library->Child("book");
+    if (book == nullptr) library->Add("book", book = NewNode(1, 5, 50));
+    music->DropScanned();
+    book->DropScanned();
+    if (!std::filesystem::is_directory(folder)) return;
+    std::set<std::string> file_names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder))
+        file_names.insert(entry.path().filename().string());
+    int id = 5000000;
+    for (const std::string &name : file_names) {
+        const std::string extension = std::filesystem::path(name).extension().string();
+        DriverPath *file = NewNode(4, extension == ".pdf" ? 5 : 2, extension == ".pdf" ? 50 : 20);
+        file->scanned = true;
+        std::string location = (folder / name).string();
+        std::replace(location.begin(), location.end(), '/', '\\');
+        file->Set("location", location);
+        if (extension == ".pdf") {
+            book->Add(name, file);
+        } else {
+            file->Set("st_size", std::to_string(std::filesystem::file_size(folder / name)));
+            music->Add(std::to_string(id++) + extension, file);
+        }
+    }
+}
+
 int FakeTree::open_count() const {
     int count = 0;
     for (const auto &node : nodes_)
@@ -103,7 +144,8 @@ DriverPath *FakeTree::NewTrack(DriverPath *parent, const std::string &name, cons
 }
 
 void FakeTree::AddMusic(DriverPath *library) {
-    DriverPath *music = NewFolder(library, "music", 20);
+    DriverPath *music = NewNode(1, 2, 20);
+    library->Add("music", music);
     NewTrack(music, "1.mp3", "Queen", "Song", "first song");
     NewTrack(music, "2.mp3", "Queen", "SONG", "second song");
     DriverPath *cloud = NewNode(4, 2, 20);

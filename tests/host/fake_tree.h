@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -32,6 +33,8 @@ struct DriverPath {
     // Adds what was kept back. Of a file that is its "thumb" node, which comes with the first walk into any
     // file; of a "thumb" node its pictures, which come with the first walk into it.
     void Reveal();
+    // Takes away the children of a folder scan, which are the last ones.
+    void DropScanned();
 
     int32_t kind, category, subcategory;
     VelmarArray *names = nullptr;
@@ -39,10 +42,12 @@ struct DriverPath {
     FakeContent content = FakeContent::kNone;
     std::string text;
     int open_count = 0;
+    bool scanned = false;
     std::vector<std::pair<std::string, DriverPath *>> kept_back;
 
   private:
     std::deque<std::string> name_texts_;
+    std::vector<DriverPath *> child_list_;
     std::unordered_map<std::string, DriverPath *> children_;  // the first of each name
 };
 
@@ -68,6 +73,8 @@ class FakeTree {
     DriverPath *root() const { return root_; }
     // As the driver does, a walk shows pictures: see Reveal.
     DriverPath *Walk(const std::string &path);
+    // Shows the files of an add folder anew: sound and films by number, books by name.
+    void Rescan(const std::filesystem::path &folder);
     int open_count() const;  // of all nodes
 
   private:

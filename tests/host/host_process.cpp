@@ -10,6 +10,7 @@
 #include <csignal>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -68,6 +69,7 @@ pid_t HostProcess::Spawn(const std::vector<std::string> &arguments, int output, 
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
+    if (input_ >= 0) posix_spawn_file_actions_adddup2(&actions, input_, STDIN_FILENO);
     // A test runner in the background has its interrupts ignored, and a child inherits that.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
@@ -81,6 +83,7 @@ pid_t HostProcess::Spawn(const std::vector<std::string> &arguments, int output, 
     pid_t process = 0;
     const int failure = posix_spawn(&process, VELMARHOST_PROGRAM, &actions, &attributes,
                                     Pointers(words).data(), Pointers(variables).data());
+    if (const int input = std::exchange(input_, -1); input >= 0) close(input);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) throw std::runtime_error("velmarhost could not be started");

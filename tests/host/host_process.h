@@ -32,6 +32,8 @@ class HostProcess {
     pid_t Start(const std::vector<std::string> &arguments);
     HostResult Wait(pid_t process);
 
+    // What the next run has for its standard input; closed then.
+    void SetInput(int descriptor) { input_ = descriptor; }
     void Set(const std::string &name, const std::string &value) { environment_[name] = value; }
     const std::filesystem::path &folder() const { return folder_.path(); }
     const TempFolder &files() const { return folder_; }
@@ -43,6 +45,7 @@ class HostProcess {
 
     TempFolder folder_;
     std::map<std::string, std::string> environment_;
+    int input_ = -1;
 };
 
 #endif

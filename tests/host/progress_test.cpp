@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "host/text.h"
+#include "host/transfer_rate.h"
+
 namespace velmarhost {
 namespace {
 
@@ -9,6 +12,29 @@ TEST(Progress, LineTellsFilesAndBytes) {
     EXPECT_EQ(ProgressText({3, 12, 5000, 10000}, "Song.mp3", 100),
               "[##########          ] 50%  3/12 files  5.0 kB of 10.0 kB  Song.mp3");
     EXPECT_EQ(ProgressText({1, 2, 7, 0}, "x", 100), "[##########          ] 50%  1/2 files  7 B  x");
+}
+
+TEST(Progress, PaceTellsTheTimeThatIsLeft) {
+    EXPECT_NE(ProgressText({0, 1, 40'000'000, 100'000'000, 1e6}, "x", 100).find("  1.0 MB/s, 1:00 left  x"),
+              std::string::npos);
+    EXPECT_NE(ProgressText({0, 1, 0, 100'000'000'000, 1e3}, "x", 100).find(", over 99 hours left"),
+              std::string::npos);
+    EXPECT_EQ(FormatDuration(3 * 3600 + 59.6), "3:01:00");
+    EXPECT_EQ(ProgressText({0, 1, 5, 0, 1e6}, "x", 100).find("left"), std::string::npos);
+}
+
+TEST(Progress, RateFollowsTheLastSeconds) {
+    TransferRate rate;
+    const TransferRate::Time start{};
+    const auto at = [&](int tenths, uint64_t bytes) {
+        return rate.BytesPerSecond(start + std::chrono::milliseconds(100 * tenths), bytes);
+    };
+    EXPECT_EQ(at(0, 0), 0);
+    EXPECT_EQ(at(1, 1'000'000), 0) << "too early to tell";
+    EXPECT_DOUBLE_EQ(at(10, 1'000'000), 1e6);
+    for (int tenths = 20; tenths <= 200; tenths += 10)
+        at(tenths, 1'000'000 + static_cast<uint64_t>(tenths) * 200);
+    EXPECT_DOUBLE_EQ(at(210, 1'000'000 + 210 * 200), 2000) << "the fast start lies behind";
 }
 
 TEST(Progress, LineStaysInItsColumnsAndBounds) {
