@@ -5,6 +5,7 @@
 #include "content/app_info.h"
 #include "content/app_thumb.h"
 #include "content/file_kinds.h"
+#include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "driver/path_lookup.h"
@@ -23,18 +24,11 @@ void AddSize(DriverPath *app, const std::string &path) {
     AddAttribute(app, "st_size", std::to_string(status.st_size).c_str());
 }
 
-}  // namespace
-
-int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
-    if (IsLocationKnown(app_category, path)) return 0;
-    AppInfo info;
-    const int32_t result = ReadAppInfo(path, info);
-    if (result != 0) return result;
-
+DriverPath *CreateApp(LibraryDriver *driver, const std::string &path, const std::string &file_name,
+                      const AppInfo &info) {
     const FileCategory kind = GetFileCategory(path).value_or(FileCategory{0, 0});
-    const std::string file_name(FileNameOfPath(path));
     DriverPath *app =
-        CreateScannedEntry(app_category->owner, node_kind::kApplicationFile, kind.category, kind.subcategory);
+        CreateScannedEntry(driver, node_kind::kApplicationFile, kind.category, kind.subcategory);
     AddSize(app, path);
     AddAttribute(app, "location", path.c_str());
     AddIfPresent(app, "bundleId", info.bundle_id);
@@ -43,6 +37,23 @@ int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
     AddAttribute(app, "name", info.display_name.value_or(file_name).c_str());
     AddIfPresent(app, "genre", info.genre);
     AddAppThumb(app, info, path);
+    return app;
+}
+
+}  // namespace
+
+int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
+    if (IsLocationKnown(app_category, path)) return 0;
+    const std::string file_name(FileNameOfPath(path));
+    const auto stamp = StampOfFile(path);
+    DriverPath *app = stamp ? TakeKeptEntry(app_category->owner, path, *stamp) : nullptr;
+    if (app == nullptr) {
+        AppInfo info;
+        const int32_t result = ReadAppInfo(path, info);
+        if (result != 0) return result;
+        app = CreateApp(app_category->owner, path, file_name, info);
+        if (stamp) KeepEntry(app, path, *stamp);
+    }
     AppendChild(app_category, file_name.c_str(), app);
     return 0;
 }

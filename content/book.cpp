@@ -6,6 +6,7 @@
 #include "content/epub_archive.h"
 #include "content/epub_folder.h"
 #include "content/file_kinds.h"
+#include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "driver/path_lookup.h"
@@ -35,6 +36,18 @@ std::optional<std::string> ReadBook(DriverPath *book, BookForm form, const std::
                                      : ReadEpubArchive(location, book->attributes);
 }
 
+DriverPath *CreateBook(LibraryDriver *driver, const FileCategory &kind, BookForm form, int32_t size,
+                       const std::string &location) {
+    DriverPath *book = CreateScannedEntry(driver, node_kind::kFile, kind.category, kind.subcategory);
+    AddFileAttributes(book, form, size, location);
+    AddBookThumb(book, form, location, ReadBook(book, form, location));
+    if (!FindAttribute(book, "name")) {
+        const std::string_view name = FileNameOfPath(location);
+        AddAttribute(book, "name", std::string(name.substr(0, name.rfind('.'))).c_str());
+    }
+    return book;
+}
+
 }  // namespace
 
 int32_t AddLocalBook(DriverPath *book_category, const std::string &location, DriverPath **book) {
@@ -44,16 +57,14 @@ int32_t AddLocalBook(DriverPath *book_category, const std::string &location, Dri
     struct _stat64i32 status;
     if (_wstat64i32(Utf8ToWide(location).c_str(), &status) != 0) return kNoStatus;
     const BookForm form = (status.st_mode & _S_IFMT) == _S_IFDIR ? BookForm::kFolder : BookForm::kFile;
-
-    DriverPath *added =
-        CreateScannedEntry(book_category->owner, node_kind::kFile, kind->category, kind->subcategory);
-    AddFileAttributes(added, form, status.st_size, location);
-    AddBookThumb(added, form, location, ReadBook(added, form, location));
-    const std::string file_name(FileNameOfPath(location));
-    AppendChild(book_category, file_name.c_str(), added);
-    if (!FindAttribute(added, "name")) {
-        AddAttribute(added, "name", file_name.substr(0, file_name.rfind('.')).c_str());
+    // The stamp of a folder says nothing of the files in it, and whoever asks for the node may add to it.
+    const auto stamp = form == BookForm::kFile && book == nullptr ? StampOfFile(location) : std::nullopt;
+    DriverPath *added = stamp ? TakeKeptEntry(book_category->owner, location, *stamp) : nullptr;
+    if (added == nullptr) {
+        added = CreateBook(book_category->owner, *kind, form, status.st_size, location);
+        if (stamp) KeepEntry(added, location, *stamp);
     }
+    AppendChild(book_category, std::string(FileNameOfPath(location)).c_str(), added);
     if (book != nullptr) *book = added;
     return 0;
 }

@@ -3,7 +3,6 @@
 #include <cwchar>
 #include <set>
 
-#include "platform/windows/folder_identity.h"
 #include "platform/windows/folder_search.h"
 
 namespace {
@@ -24,9 +23,10 @@ class FolderWalk {
     FolderWalk(FolderDepth depth, const FileVisitor &visit) : depth_(depth), visit_(visit) {}
 
     void Enter(const std::wstring &folder, int level) {
-        const auto identity = IdentifyFolder(folder);
+        FolderSearch search(folder + L"\\*", FindExInfoBasic);
+        const auto identity = search.Identity(folder);
         if (!identity || !entered_.insert(*identity).second) return;
-        for (const WIN32_FIND_DATAW &entry : FolderSearch(folder + L"\\*")) {
+        for (const WIN32_FIND_DATAW &entry : search) {
             if (IsOwnOrParentFolder(entry)) continue;
             if (!IsFolder(entry)) {
                 visit_(folder, entry);

@@ -8,7 +8,8 @@
 
 enum class FolderDepth { kOneLevel, kAllLevels };
 
-// Takes the folder that holds the file, and the file's entry.
+// Takes the folder that holds the file, and the file's entry, of which only the name and the attributes are
+// filled in.
 using FileVisitor = std::function<void(const std::wstring &folder, const WIN32_FIND_DATAW &file)>;
 
 // Visits the files of a folder in the order in which the system gives them; a subfolder is walked at once

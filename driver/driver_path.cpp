@@ -188,14 +188,28 @@ void ReleaseDriverPath(DriverPath *path) {
     ReleaseSubtree(path, FreeNode);
 }
 
-void DropChild(DriverPath *parent, int32_t index) {
+DriverPath *DetachChild(DriverPath *parent, int32_t index) {
     DriverPath *child = ChildAt(parent, index);
     FreeName(const_cast<char *>(ChildNameAt(parent, index)));
     DeleteVelmarArrayItem(parent->names, index);
     DeleteVelmarArrayItem(parent->children, index);
     parent->child_index.reset();
     NoteDroppedChild(parent);
-    ReleaseSubtree(child, DropNode);
+    if (child != nullptr) child->parent = nullptr;
+    return child;
+}
+
+void DropChild(DriverPath *parent, int32_t index) {
+    ReleaseSubtree(DetachChild(parent, index), DropNode);
+}
+
+bool IsOpenBelow(const DriverPath *path) {
+    if (path->open_count > 0) return true;
+    for (int32_t i = ChildCount(path) - 1; i >= 0; --i) {
+        const DriverPath *child = ChildAt(path, i);
+        if (child != nullptr && IsOpenBelow(child)) return true;
+    }
+    return false;
 }
 
 void ReleaseDroppedPath(DriverPath *path) {

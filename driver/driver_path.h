@@ -46,6 +46,7 @@ constexpr int32_t kMovie = 30;
 constexpr int32_t kTvShow = 31;
 constexpr int32_t kThumbOfTrack = 43;
 constexpr int32_t kThumbnail = 44;
+constexpr int32_t kThumbOfScannedFile = 44;
 constexpr int32_t kBook = 50;
 constexpr int32_t kApplication = 60;
 }  // namespace node_subcategory
@@ -106,9 +107,15 @@ void IndexChildNames(DriverPath *path);
 // over.
 void ReleaseDriverPath(DriverPath *path);
 
+// Takes the child at a position out of the tree, with its name, and hands it over with its subtree.
+DriverPath *DetachChild(DriverPath *parent, int32_t index);
+
 // Takes the child at a position out of the tree, with its name, and releases its subtree. What the host has
 // open of it stays until the last close.
 void DropChild(DriverPath *parent, int32_t index);
+
+// True when a host has a node of the subtree open.
+bool IsOpenBelow(const DriverPath *path);
 
 // Frees a dropped node that no host has open any longer.
 void ReleaseDroppedPath(DriverPath *path);

@@ -1,8 +1,11 @@
 #include "driver/library_driver.h"
 
+#include "artwork/artwork_scan.h"
 #include "content/plist_values.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
+#include "driver/rescan.h"
+#include "driver/scanned_entries.h"
 #include "driver/startup_thread.h"
 #include "library/library_files.h"
 #include "library/playlists.h"
@@ -75,6 +78,7 @@ int32_t CreateLibrary(LibraryDriver *driver) {
         return loaded;
     }
     LoadPlaylists(driver);
+    RescanLocalFolders(driver);
     IndexCategoryRoots(driver);
     return 0;
 }
@@ -83,12 +87,15 @@ void DestroyLibrary(LibraryDriver *driver) {
     driver->library_plist.reset();
     driver->parser.reset();
     if (driver->tracks != nullptr) ReleaseLooseTracks(driver);
+    ReleaseKeptEntries(driver);
+    driver->scanned_files.clear();
     ReleaseDriverPath(driver->root);
     for (DriverPath *list : driver->unnamed_lists)
         ReleaseDriverPath(list);
     while (!driver->dropped_paths.empty())
         ReleaseDroppedPath(*driver->dropped_paths.begin());
     if (driver->tracks != nullptr) FreeVelmarArray(driver->tracks);
+    FreeAlbumArtworkScan(driver);
     driver->root = nullptr;
     driver->tracks = nullptr;
     driver->unnamed_lists.clear();

@@ -11,6 +11,7 @@
 #include "driver/driver_path.h"
 #include "driver/itunes_driver.h"
 #include "driver/path_lookup.h"
+#include "driver/scanned_files.h"
 #include "platform/core_foundation/cf_owner.h"
 #include "platform/itl_parser/itl_parser.h"
 
@@ -32,6 +33,8 @@ struct LibraryDriver {
     std::string itl_path;
     DriverPath *root = nullptr;
     VelmarArray *tracks = nullptr;  // every track, those too that no list holds; not their owner
+    // The mark that the folder "Album Artwork" has been scanned; holds nothing.
+    VelmarArray *artwork_scan = nullptr;
     CopyProgressCallback copy_callback = nullptr;
     void *copy_context = nullptr;
     int32_t copy_chunk_size = kDefaultCopyChunkSize;
@@ -40,6 +43,7 @@ struct LibraryDriver {
 
     // Lists without a name: they hold tracks, but no walk reaches them.
     std::vector<DriverPath *> unnamed_lists;
+    ScannedFiles scanned_files;
     // Nodes that a rescan has dropped and a host has still open.
     std::unordered_set<DriverPath *> dropped_paths;
     TreeIndex index;

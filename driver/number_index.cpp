@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr size_t kFirstSlots = 32;
 constexpr int64_t kNeighbours = 8;
 
 }  // namespace

@@ -1,6 +1,7 @@
 #ifndef DRIVER_NUMBER_INDEX_H
 #define DRIVER_NUMBER_INDEX_H
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +16,7 @@ class NumberIndex {
   public:
     // Room for a first `count` numbers.
     void Reserve(size_t count) {
-        if (slots_.empty()) slots_.resize(std::bit_ceil(count + count / 4));
+        if (slots_.empty()) slots_.resize(std::bit_ceil(std::max(kFirstSlots, count + count / 4)));
     }
 
     // The first path of a number stays.
@@ -31,6 +32,9 @@ class NumberIndex {
     DriverPath *Find(int64_t number) const { return slots_.empty() ? nullptr : slots_[SlotOf(number)].path; }
 
   private:
+    // Not so few that they could all be taken: a search ends at a free one.
+    static constexpr size_t kFirstSlots = 32;
+
     struct Slot {
         int64_t number = 0;
         DriverPath *path = nullptr;

@@ -2,6 +2,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "artwork/artwork_scan.h"
+#include "artwork/book_thumbnail.h"
+#include "artwork/track_thumbnails.h"
 #include "driver/driver_log.h"
 #include "driver/driver_path.h"
 #include "driver/export_guard.h"
@@ -11,13 +14,39 @@
 
 namespace {
 
+// What a walk over a path text has come past.
+struct WalkMarks {
+    bool past_file = false;
+    bool inside_book = false;
+};
+
+// Nodes "thumb" of the tracks come into being when a walk first stands in a file, and the thumbnails below
+// such a node when a walk first enters it. Their failures show in what the walk finds next.
+void PrepareNode(LibraryDriver *driver, DriverPath *path, bool wants_thumbnails, WalkMarks &marks) {
+    if (path->category == node_category::kBook) marks.inside_book = true;
+    if (path->kind == node_kind::kFile) {
+        marks.past_file = true;
+        EnsureAlbumArtworkScan(driver);
+    }
+    if (!wants_thumbnails) return;
+    if (marks.inside_book) {
+        LoadBookThumbnail(driver, path);
+    } else {
+        LoadTrackThumbnails(driver, path);
+    }
+}
+
 // The node that the text names, or null. A trailing "/" is passed over; other empty segments are names like
 // any other.
 DriverPath *WalkPath(LibraryDriver *driver, std::string_view rest) {
     DriverPath *path = driver->root;
+    WalkMarks marks;
     while (path != nullptr && !rest.empty()) {
         const size_t end = rest.find('/');
-        path = FindChild(path, rest.substr(0, end));
+        const std::string_view segment = rest.substr(0, end);
+        const bool wants_thumbnails = marks.past_file && segment == "thumb";
+        path = FindChild(path, segment);
+        if (path != nullptr) PrepareNode(driver, path, wants_thumbnails, marks);
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
     }
     return path;

@@ -1,14 +1,36 @@
 #include "driver/scanned_entries.h"
 
+#include "driver/attributes.h"
 #include "driver/library_driver.h"
 #include "driver/path_lookup.h"
 
 namespace {
 
+// The record of an entry, if what was read of its file is kept.
+ScannedFiles::iterator FindRecord(const DriverPath *entry) {
+    ScannedFiles &files = entry->owner->scanned_files;
+    const auto location = FindAttribute(entry, "location");
+    const auto found = location ? files.find(std::string(*location)) : files.end();
+    return found != files.end() && found->second.entry == entry ? found : files.end();
+}
+
+void RemoveEntry(DriverPath *parent, int32_t index) {
+    DriverPath *entry = ChildAt(parent, index);
+    ScannedFiles &files = entry->owner->scanned_files;
+    const auto record = FindRecord(entry);
+    if (record == files.end() || IsOpenBelow(entry)) {
+        if (record != files.end()) files.erase(record);
+        DropChild(parent, index);
+    } else {
+        DetachChild(parent, index);
+        record->second.waits = true;
+    }
+}
+
 void RemoveScannedChildren(DriverPath *parent) {
     for (int32_t i = ChildCount(parent) - 1; i >= 0; --i) {
         const DriverPath *child = ChildAt(parent, i);
-        if (child != nullptr && child->from_folder_scan != 0) DropChild(parent, i);
+        if (child != nullptr && child->from_folder_scan != 0) RemoveEntry(parent, i);
     }
 }
 
@@ -38,4 +60,27 @@ void RemoveScannedEntries(LibraryDriver *driver) {
             RemoveScannedChildren(ChildAt(library, i));
     }
     driver->next_scanned_id = kFirstScannedId;
+}
+
+void KeepEntry(DriverPath *entry, const std::string &location, const FileStamp &stamp) {
+    const auto [place, added] =
+        entry->owner->scanned_files.try_emplace(location, ScannedFile{entry, stamp, false});
+    if (added) return;
+    if (place->second.waits) ReleaseDriverPath(place->second.entry);
+    place->second = {entry, stamp, false};
+}
+
+DriverPath *TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp) {
+    const auto found = driver->scanned_files.find(location);
+    if (found == driver->scanned_files.end() || !found->second.waits || found->second.stamp != stamp)
+        return nullptr;
+    found->second.waits = false;
+    return found->second.entry;
+}
+
+void ReleaseKeptEntries(LibraryDriver *driver) {
+    std::erase_if(driver->scanned_files, [](const auto &file) {
+        if (file.second.waits) ReleaseDriverPath(file.second.entry);
+        return file.second.waits;
+    });
 }

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 
+#include <string>
+
 #include "driver/driver_path.h"
+#include "driver/scanned_files.h"
 
 // What scans of folders put into the tree, beside what the library lists: the nodes with `from_folder_scan`.
 
@@ -19,7 +22,17 @@ DriverPath *EnsureCategoryPath(LibraryDriver *driver, const char *name, int32_t 
 int32_t TakeScannedId(LibraryDriver *driver);
 
 // Takes all of them out of the tree and lets the numbers begin anew. What a host has open stays until its
-// last close.
+// last close. Entries of files that are kept, and that no host has open, wait for the scan that follows.
 void RemoveScannedEntries(LibraryDriver *driver);
+
+// Keeps what was read of a file for the scans to come, under its stamp.
+void KeepEntry(DriverPath *entry, const std::string &location, const FileStamp &stamp);
+
+// The entry of a file that waits since RemoveScannedEntries, if the file has not changed since it was read.
+// It hangs nowhere, and is the caller's to hang. Null otherwise.
+DriverPath *TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp);
+
+// Releases the entries that no scan has taken: their files are gone or have changed.
+void ReleaseKeptEntries(LibraryDriver *driver);
 
 #endif

@@ -2,12 +2,14 @@
 #include <cerrno>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/windows/file_descriptor.h"
 #include "platform/windows/file_names.h"
 #include "platform/windows/file_status.h"
+#include "platform/windows/folder_identity.h"
 #include "platform/windows/last_error.h"
 #include "platform/windows/path_resolution.h"
 #include "platform/windows/text.h"
@@ -18,6 +20,7 @@ namespace {
 struct Search {
     Directory directory;
     std::wstring pattern;  // folded
+    FINDEX_INFO_LEVELS level = FindExInfoStandard;
 };
 
 FILETIME ToFileTime(const struct statx_timestamp &time) {
@@ -28,21 +31,37 @@ FILETIME ToFileTime(const struct statx_timestamp &time) {
     return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
-// False for an entry that has vanished meanwhile, or whose name has no room.
-bool FillEntry(int folder, const char *name, WIN32_FIND_DATAW &entry) {
-    const std::wstring wide = WideFromUtf8(name);
+// False for an entry that has vanished meanwhile.
+bool FillStatus(int folder, const char *name, WIN32_FIND_DATAW &entry) {
     struct statx status;
-    if (wide.size() >= MAX_PATH || ReadStatus(folder, name, AT_SYMLINK_NOFOLLOW, status) != 0) return false;
+    if (ReadStatus(folder, name, AT_SYMLINK_NOFOLLOW, status) != 0) return false;
     const bool is_link = S_ISLNK(status.stx_mode);
     struct statx target;
     if (is_link && ReadStatus(folder, name, 0, target) == 0) status = target;
-    entry = {};
     entry.dwFileAttributes = AttributesOf(status, is_link);
     entry.ftCreationTime = ToFileTime(CreationTime(status));
     entry.ftLastAccessTime = ToFileTime(status.stx_atime);
     entry.ftLastWriteTime = ToFileTime(status.stx_mtime);
     entry.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
     entry.nFileSizeLow = static_cast<DWORD>(status.stx_size);
+    return true;
+}
+
+// The attributes of an entry where the listing itself tells them: a link has to be followed.
+std::optional<DWORD> ListedAttributes(const dirent &found) {
+    if (found.d_type == DT_DIR) return FILE_ATTRIBUTE_DIRECTORY;
+    if (found.d_type == DT_REG) return FILE_ATTRIBUTE_NORMAL;
+    return std::nullopt;
+}
+
+// False also for an entry whose name has no room.
+bool FillEntry(const Search &search, const dirent &found, WIN32_FIND_DATAW &entry) {
+    const std::wstring wide = WideFromUtf8(found.d_name);
+    if (wide.size() >= MAX_PATH) return false;
+    entry = {};
+    const auto listed = search.level == FindExInfoBasic ? ListedAttributes(found) : std::nullopt;
+    if (listed) entry.dwFileAttributes = *listed;
+    if (!listed && !FillStatus(dirfd(search.directory.get()), found.d_name, entry)) return false;
     wide.copy(entry.cFileName, wide.size());
     return true;
 }
@@ -51,7 +70,7 @@ bool ReadNext(const Search &search, WIN32_FIND_DATAW &entry) {
     const bool matches_all = search.pattern == L"*";
     while (const dirent *found = readdir(search.directory.get())) {
         if (!matches_all && !MatchesPattern(search.pattern, FoldName(found->d_name))) continue;
-        if (FillEntry(dirfd(search.directory.get()), found->d_name, entry)) return true;
+        if (FillEntry(search, *found, entry)) return true;
     }
     return false;
 }
@@ -73,13 +92,20 @@ HANDLE FailedSearch(DWORD error) {
 }  // namespace
 
 HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW entry) {
+    return FindFirstFileExW(pattern, FindExInfoStandard, entry, FindExSearchNameMatch, nullptr, 0);
+}
+
+HANDLE FindFirstFileExW(LPCWSTR pattern, FINDEX_INFO_LEVELS level, LPVOID entry, FINDEX_SEARCH_OPS, LPVOID,
+                        DWORD) {
     const SpelledPath spelled = SpellNativePath(std::wstring_view(pattern));
     auto search = std::make_unique<Search>();
     search->directory = OpenFolderOf(spelled);
     if (!search->directory) return FailedSearch(errno == ENOENT ? ERROR_PATH_NOT_FOUND : WindowsError(errno));
+    search->level = level;
     search->pattern = FoldName(FileNameOf(spelled.text));
     if (search->pattern == L"*.*") search->pattern = L"*";
-    if (!ReadNext(*search, *entry)) return FailedSearch(ERROR_FILE_NOT_FOUND);
+    if (!ReadNext(*search, *static_cast<WIN32_FIND_DATAW *>(entry)))
+        return FailedSearch(ERROR_FILE_NOT_FOUND);
     return search.release();
 }
 
@@ -92,4 +118,11 @@ BOOL FindClose(HANDLE search) {
     if (search == nullptr || search == INVALID_HANDLE_VALUE) return FailWith(ERROR_INVALID_HANDLE);
     delete static_cast<Search *>(search);
     return TRUE;
+}
+
+std::optional<FolderIdentity> IdentifySearch(HANDLE search, const std::wstring & /*folder*/) {
+    const int folder = dirfd(static_cast<Search *>(search)->directory.get());
+    struct statx status;
+    if (ReadStatus(folder, "", AT_EMPTY_PATH, status) != 0) return std::nullopt;
+    return IdentityOf(status);
 }

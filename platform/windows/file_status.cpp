@@ -85,5 +85,5 @@ DWORD GetFileAttributesW(LPCWSTR path) {
 std::optional<FolderIdentity> IdentifyFolder(const std::wstring &path) {
     struct statx status;
     if (ReadStatusOf(path, 0, status) != 0 || !S_ISDIR(status.stx_mode)) return std::nullopt;
-    return FolderIdentity{(uint64_t{status.stx_dev_major} << 32) | status.stx_dev_minor, status.stx_ino};
+    return IdentityOf(status);
 }

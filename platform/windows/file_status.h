@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "platform/windows/folder_identity.h"
 #include "platform/windows/windows_api.h"
 
 // The status with the birth time, of what `path` leads to or, with AT_SYMLINK_NOFOLLOW, of a link itself. -1
@@ -15,6 +16,10 @@ inline int ReadStatus(int folder, const char *path, int flags, struct statx &sta
 // The birth time, else the time of the last write.
 inline const struct statx_timestamp &CreationTime(const struct statx &status) {
     return (status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_mtime;
+}
+
+inline FolderIdentity IdentityOf(const struct statx &status) {
+    return {(uint64_t{status.stx_dev_major} << 32) | status.stx_dev_minor, status.stx_ino};
 }
 
 inline DWORD AttributesOf(const struct statx &status, bool is_link) {

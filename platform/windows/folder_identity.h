@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "platform/windows/windows_api.h"
+
 // Which folder a path leads to, links followed: two paths to one folder have equal identities. A walk that
 // keeps the identities of the folders it has entered meets no folder twice, whatever links lie in its way.
 struct FolderIdentity {
@@ -16,5 +18,9 @@ struct FolderIdentity {
 
 // Empty if the path leads to no folder.
 std::optional<FolderIdentity> IdentifyFolder(const std::wstring &path);
+
+// The same for the folder that a search runs through, which spares the system most of the way where it lets
+// us ask about the search itself. `folder` is that folder's path.
+std::optional<FolderIdentity> IdentifySearch(HANDLE search, const std::wstring &folder);
 
 #endif

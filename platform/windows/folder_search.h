@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <string>
 
+#include "platform/windows/folder_identity.h"
 #include "platform/windows/windows_api.h"
 
 /* A folder search as a range, to be walked once:
@@ -12,10 +14,13 @@
  *     for (const WIN32_FIND_DATAW &entry : FolderSearch(folder + L"\\*")) ...
  *
  * Every entry comes, "." and ".." too. A search that cannot start is an empty range. The entry is valid until
- * the next step of the loop. */
+ * the next step of the loop. With FindExInfoBasic only its name and attributes count, which costs far less.
+ */
 class FolderSearch {
   public:
-    explicit FolderSearch(const std::wstring &pattern) : search_(FindFirstFileW(pattern.c_str(), &entry_)) {}
+    explicit FolderSearch(const std::wstring &pattern, FINDEX_INFO_LEVELS level = FindExInfoStandard)
+        : search_(FindFirstFileExW(pattern.c_str(), level, &entry_, FindExSearchNameMatch, nullptr,
+                                   FIND_FIRST_EX_LARGE_FETCH)) {}
     ~FolderSearch() { Close(); }
     FolderSearch(const FolderSearch &) = delete;
     FolderSearch &operator=(const FolderSearch &) = delete;
@@ -39,6 +44,11 @@ class FolderSearch {
       private:
         FolderSearch *search_;
     };
+
+    // Which folder is searched, of which `folder` is the path. Empty for a search that has not started.
+    std::optional<FolderIdentity> Identity(const std::wstring &folder) const {
+        return search_ == INVALID_HANDLE_VALUE ? std::nullopt : IdentifySearch(search_, folder);
+    }
 
     Iterator begin() { return Iterator(this); }
     std::default_sentinel_t end() const { return std::default_sentinel; }

@@ -154,6 +154,14 @@ inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 // all names. Entries, "." and ".." among them, come in the order of the file system. A name that cFileName
 // cannot hold is passed over.
 HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW entry);
+// The same, with FindExInfoBasic at a fraction of the cost: of an entry only the name and the attributes are
+// filled in, the rest is 0. (Windows fills in all but the short name.) The operation is a match of names, the
+// filter null and the flags 0 or FIND_FIRST_EX_LARGE_FETCH.
+enum FINDEX_INFO_LEVELS { FindExInfoStandard, FindExInfoBasic };
+enum FINDEX_SEARCH_OPS { FindExSearchNameMatch };
+inline constexpr DWORD FIND_FIRST_EX_LARGE_FETCH = 0x2;
+HANDLE FindFirstFileExW(LPCWSTR pattern, FINDEX_INFO_LEVELS level, LPVOID entry, FINDEX_SEARCH_OPS operation,
+                        LPVOID filter, DWORD flags);
 BOOL FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW entry);
 BOOL FindClose(HANDLE search);
 

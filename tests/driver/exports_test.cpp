@@ -8,6 +8,7 @@
 
 #include "driver/itunes_driver.h"
 #include "tests/driver/open_library.h"
+#include "tests/support/artwork_file.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/sample_library.h"
 #include "tests/support/temp_folder.h"
@@ -117,7 +118,7 @@ TEST_F(Exports, TheTreeHasItsFixedShape) {
 
 TEST_F(Exports, PathTextsAreWalkedExactly) {
     for (const char *nowhere : {"Library", "library//music", "/library", "library/musi", "library/music2",
-                                "thumb", "library/music/101.mp3/thumb/small"}) {
+                                "thumb", "library/music/107.mp3/thumb/small"}) {
         auto *path = reinterpret_cast<DriverPath *>(this);
         EXPECT_EQ(OpenDriverPath(driver_, 5, nowhere, &path), -2) << nowhere;
         EXPECT_EQ(path, nullptr) << nowhere;
@@ -130,6 +131,17 @@ TEST_F(Exports, PathTextsAreWalkedExactly) {
     ASSERT_EQ(GetDriverPathInfo(root, &info), 0);
     EXPECT_EQ(info.open_path, nullptr);
     CloseDriverPath(root);
+}
+
+TEST_F(Exports, ThumbnailsComeFromTheArtworkCache) {
+    EXPECT_THAT(OpenedPath(driver_, "library/music/101.mp3/thumb").Names(),
+                ElementsAre("small", "middle", "large"));
+    for (const char *name : {"small", "middle", "large"}) {
+        const std::string path = std::string("playlist/Rain & Sun/101.mp3/thumb/") + name;
+        const OpenedPath thumbnail(driver_, path.c_str());
+        EXPECT_THAT(thumbnail.Attribute("thumb_type"), Optional(std::string("png")));
+        EXPECT_EQ(StreamBytes(driver_, path, 1000), PngPicture(std::stoi(*thumbnail.Attribute("width"))));
+    }
 }
 
 TEST_F(Exports, ATrackIsOneNodeThatKeepsTheTextOfItsFirstOpen) {

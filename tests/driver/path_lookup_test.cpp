@@ -80,6 +80,16 @@ TEST(FindCategoryRoot, TheLastChildWithTheNumbersWins) {
     }
 }
 
+TEST(FindTrackById, EndsForAnUnknownIdInALibraryOfAnySize) {
+    for (int count = 0; count <= 40; ++count) {
+        BareTree tree;
+        tree.driver.index.track_numbers.Reserve(static_cast<size_t>(count));
+        for (int id = 1; id <= count; ++id)
+            BareTree::Hold(GetLibraryRoot(&tree.driver), "", tree.AddTrack(std::to_string(id), ""));
+        EXPECT_EQ(FindTrackById(&tree.driver, "4711"), nullptr) << count;
+    }
+}
+
 TEST(FindTrackById, AgreesWithAWalkWhileTracksAreAdded) {
     std::mt19937 random(5);
     BareTree tree;

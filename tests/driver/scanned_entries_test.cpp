@@ -73,6 +73,27 @@ TEST(ScannedEntries, WhatAHostHasOpenStaysReadableUntilItsLastClose) {
     EXPECT_EQ(tree.driver.dropped_paths.size(), 1U);
 }
 
+TEST(ScannedEntries, AnEntryWaitsForItsFileUnlessAHostHasItOpenOrTheFileChanges) {
+    ScannedTree tree;
+    const FileStamp stamp{1, 2, 3};
+    DriverPath *kept = tree.AddScanned("kept", "C:\\kept");
+    for (const char *name : {"changed", "gone", "opened"})
+        KeepEntry(tree.AddScanned(name, std::string("C:\\") + name), std::string("C:\\") + name, stamp);
+    KeepEntry(kept, "C:\\kept", stamp);
+    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\kept", stamp), nullptr) << "still in the tree";
+    DriverPath *opened = tree.Open("library/Books/opened");
+    RemoveScannedEntries(&tree.driver);
+    EXPECT_EQ(ChildCount(tree.books), 0);
+    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\opened", stamp), nullptr);
+    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\changed", {1, 2, 4}), nullptr);
+    KeepEntry(tree.AddScanned("changed", "C:\\changed"), "C:\\changed", {1, 2, 4});
+    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\kept", stamp), kept);
+    AppendChild(tree.books, "kept", kept);
+    ReleaseKeptEntries(&tree.driver);
+    EXPECT_EQ(tree.driver.scanned_files.size(), 2U);
+    CloseDriverPath(opened);
+}
+
 TEST(IsLocationKnown, FindsWhatTheLibraryListsInAnyCaseAndWithOrWithoutTheFirstSlash) {
     ScannedTree tree;
     tree.AddFromLibrary("1.epub", "home/user/Books/A Book.epub");

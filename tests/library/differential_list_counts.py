@@ -59,7 +59,14 @@ def expected_lists(library):
         if (folder, name) == ("library", "movie"):
             films = [item for item in master if is_film(library["Tracks"][str(item)])]
             items.extend(item for item in films if item not in items)
-    return [(folder, name, len(items)) for folder, name, items in lists]
+    return [(folder, name, len(items)) for folder, name, items in lists] + scanned_roots(lists)
+
+
+def scanned_roots(lists):
+    """The roots that the scans of local folders make, empty here, where no list has made them."""
+    roots = {name for folder, name, _ in lists if folder == "library"}
+    wanted = [("ringtone", "ringtone"), ("Books", "book"), ("app", "app")]
+    return [("library", name, 0) for name, made_by_list in wanted if made_by_list not in roots]
 
 
 def shown_lists(entries):

@@ -144,6 +144,7 @@ class TreeBuilder {
                 ReadList(list);
         }
         AddUnlistedFilms();
+        AddScannedRoots();
         return root_;
     }
 
@@ -162,6 +163,18 @@ class TreeBuilder {
         if (tracks == nullptr || tracks->element != "dict") return;
         for (std::size_t i = 0; i < tracks->keys.size(); ++i) {
             tracks_.push_back(MakeTrack(tracks->keys[i], tracks->items[i]));
+        }
+    }
+
+    // The roots that scans of folders make where no list has made them.
+    void AddScannedRoots() {
+        constexpr ListPlace kScannedRoots[] = {
+            {0, "library", 2, 21, "ringtone"}, {0, "library", 5, 50, "Books"}, {0, "library", 6, 60, "app"}};
+        for (const ListPlace &place : kScannedRoots) {
+            bool there = false;
+            for (const SlowNodePointer &child : Library().children)
+                there = there || child->subcategory == place.subcategory;
+            if (!there) Library().Hang(place.name, MakeNode(1, place.category, place.subcategory));
         }
     }
 

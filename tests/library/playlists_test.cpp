@@ -55,7 +55,7 @@ TEST(LoadPlaylists, EveryKindHasItsPlaceAndItsNumbers) {
         }
     });
     EXPECT_THAT(library.NamesUnder("library"), ElementsAre("movie", "tvshow", "music", "book", "podcast",
-                                                           "app", "of kind 19", "of kind 31"));
+                                                           "app", "of kind 19", "of kind 31", "ringtone"));
     EXPECT_THAT(library.NamesUnder("genius"), ElementsAre("of kind 26"));
     EXPECT_THAT(library.NamesUnder("playlist"), ElementsAre("of kind 22", "of kind 65", "of kind 200"));
     EXPECT_THAT(Numbers(library.At("library/app")), ElementsAre(1, 6, 60));
@@ -137,7 +137,7 @@ TEST(LoadPlaylists, TwoKindsShareTheMovieRoot) {
         xml.Playlist(Kind(48, {1}, "FIRST"));
         xml.Playlist(Kind(2, {2, 3}, "SECOND"));
     });
-    EXPECT_THAT(library.NamesUnder("library"), ElementsAre("movie"));
+    EXPECT_THAT(library.NamesUnder("library"), ElementsAre("movie", "ringtone", "Books", "app"));
     EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("1", "2", "3"));
     EXPECT_EQ(FindAttribute(library.At("library/movie"), "persistent_id"), "FIRST");
 }

@@ -16,3 +16,7 @@ std::optional<FolderIdentity> IdentifyFolder(const std::wstring &path) {
     return FolderIdentity{status.dwVolumeSerialNumber,
                           (uint64_t{status.nFileIndexHigh} << 32) | status.nFileIndexLow};
 }
+
+std::optional<FolderIdentity> IdentifySearch(HANDLE /*search*/, const std::wstring &folder) {
+    return IdentifyFolder(folder);
+}

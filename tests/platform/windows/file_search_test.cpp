@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "platform/windows/file_names.h"
 #include "platform/windows/folder_identity.h"
@@ -170,6 +171,25 @@ TEST(FolderIdentity, IsThatOfTheFolderAndNotOfThePath) {
     EXPECT_NE(identity("a\\b"), identity("a"));
     EXPECT_FALSE(identity("file"));
     EXPECT_FALSE(identity("absent"));
+    EXPECT_EQ(FolderSearch(Pattern(folder, "a\\up\\A\\*")).Identity(L""), identity("a"));
+    EXPECT_FALSE(FolderSearch(Pattern(folder, "absent\\*")).Identity(L""));
+}
+
+TEST(FolderSearch, ABasicOneTellsTheSameNamesAndAttributes) {
+    const TempFolder folder;
+    folder.Write("folder/file", "12345");
+    fs::create_directory_symlink("folder", folder.path() / "to folder");
+    fs::create_symlink("folder/file", folder.path() / "to file");
+    fs::create_symlink("absent", folder.path() / "to nothing");
+    ASSERT_EQ(mkfifo((folder.path() / "pipe").c_str(), 0600), 0);
+    const auto entries = [&](FINDEX_INFO_LEVELS level) {
+        std::set<std::pair<std::wstring, DWORD>> found;
+        for (const WIN32_FIND_DATAW &entry : FolderSearch(Pattern(folder, "*"), level))
+            found.insert({entry.cFileName, entry.dwFileAttributes});
+        return found;
+    };
+    EXPECT_EQ(entries(FindExInfoBasic), entries(FindExInfoStandard));
+    EXPECT_EQ(entries(FindExInfoBasic).size(), 7U);
 }
 
 }  // namespace

@@ -1,0 +1,13 @@
+#ifndef CONTENT_FILE_STAMP_H
+#define CONTENT_FILE_STAMP_H
+
+#include <optional>
+#include <string>
+
+#include "driver/scanned_files.h"
+
+// Of what a path (UTF-8) leads to. Empty where nothing is, and for a file that was changed so lately that
+// another change might leave its stamp as it is.
+std::optional<FileStamp> StampOfFile(const std::string &path);
+
+#endif
