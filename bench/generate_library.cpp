@@ -9,7 +9,7 @@
 namespace {
 
 constexpr const char *kUsage =
-    "usage: generate-library FILE [--tracks N] [--lists L] [--items K] [--seed S]\n";
+    "usage: generate-library FILE.xml|FILE.itl [--tracks N] [--lists L] [--items K] [--seed S]\n";
 
 // Pairs of an option and its number; false for anything else.
 bool ReadOptions(int argc, char **argv, GeneratedLibraryOptions &options) {

@@ -5,6 +5,7 @@
 
 #include "host/commands.h"
 #include "host/json_output.h"
+#include "host/modified_time.h"
 #include "host/node_words.h"
 #include "host/suggestion.h"
 #include "host/text.h"
@@ -36,8 +37,8 @@ std::string SizeText(const Node &node, bool human) {
 // local.
 std::string DateText(const Node &node) {
     constexpr const char *kNone = "-               ";
-    const std::optional<int64_t> seconds = node.NumberAttribute("st_mtime");
-    if (!seconds || *seconds <= 0) return kNone;
+    const std::optional<int64_t> seconds = ModifiedTime(node);
+    if (!seconds) return kNone;
     const auto time = static_cast<std::time_t>(*seconds);
     const std::tm *local = std::localtime(&time);
     std::array<char, 32> buffer{};

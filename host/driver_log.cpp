@@ -1,5 +1,6 @@
 #include "host/driver_log.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/output.h"
@@ -10,7 +11,9 @@ namespace velmarhost {
 namespace {
 
 // A failed start ends with a line for each level that gave up; the first of them is the cause.
-constexpr std::size_t kKeptLines = 3;
+constexpr std::size_t kLastLines = 3;
+// All that a failed start says.
+constexpr std::size_t kKeptLines = 8;
 
 }  // namespace
 
@@ -30,9 +33,18 @@ void DriverLog::Clear() {
 std::string DriverLog::LastWords() const {
     const std::lock_guard lock(mutex_);
     std::string words;
-    for (const std::string &line : lines_)
-        words += (words.empty() ? "" : "; ") + line;
+    for (std::size_t i = lines_.size() - std::min(lines_.size(), kLastLines); i < lines_.size(); ++i)
+        words += (words.empty() ? "" : "; ") + lines_[i];
     return words;
+}
+
+std::string DriverLog::TextBehind(std::string_view words) const {
+    const std::lock_guard lock(mutex_);
+    for (auto line = lines_.rbegin(); line != lines_.rend(); ++line) {
+        const std::size_t begin = line->find(words);
+        if (begin != std::string::npos) return line->substr(begin + words.size());
+    }
+    return {};
 }
 
 void DriverLog::Receive(const char *line, void *log) {

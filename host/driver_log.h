@@ -4,10 +4,11 @@
 #include <deque>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace velmarhost {
 
-// Receives the driver's log for a scope. The last few lines are kept for error messages; with `show` each
+// Receives the driver's log for a scope. The last lines are kept for error messages; with `show` each
 // line also goes to standard error as it comes. Any thread may log.
 class DriverLog {
   public:
@@ -20,6 +21,8 @@ class DriverLog {
     void Clear();
     // The kept lines as one; empty when nothing was logged since the last Clear.
     std::string LastWords() const;
+    // What follows these words in the last kept line that has them; empty where none has.
+    std::string TextBehind(std::string_view words) const;
 
   private:
     static void Receive(const char *line, void *log);

@@ -5,24 +5,17 @@
 #include <unordered_set>
 
 #include "host/file_naming.h"
+#include "host/modified_time.h"
 #include "host/suggestion.h"
 #include "host/thumbnail.h"
 
 namespace velmarhost {
 namespace {
 
-// Far beyond any real file, and near enough that no clock overflows.
-constexpr int64_t kLatestTime = 8'000'000'000;
-
 std::optional<uint64_t> KnownSize(const Node &node) {
     const std::optional<int64_t> size = node.NumberAttribute("st_size");
     if (!size || *size <= 0) return std::nullopt;
     return static_cast<uint64_t>(*size);
-}
-
-std::optional<int64_t> KnownTime(const Node &node) {
-    const std::optional<int64_t> seconds = node.NumberAttribute("st_mtime");
-    return seconds && *seconds > 0 && *seconds < kLatestTime ? seconds : std::nullopt;
 }
 
 class Planner {
@@ -91,8 +84,8 @@ class Planner {
         if (options_.with_artwork && HasThumbnail(node)) {
             covers_.push_back({plan_.files.size(), name.substr(0, name.size() - safe.extension.size())});
         }
-        PlannedFile file{entry.path,      folder,         name, {}, session_.Location(node),
-                         KnownSize(node), KnownTime(node)};
+        PlannedFile file{entry.path,        folder, name, {}, session_.Location(node), KnownSize(node),
+                         ModifiedTime(node)};
         plan_.total_bytes += file.size.value_or(0);
         plan_.files.push_back(std::move(file));
     }

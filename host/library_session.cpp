@@ -1,28 +1,10 @@
 #include "host/library_session.h"
 
 #include "host/host_error.h"
+#include "host/library_failure.h"
 #include "host/text.h"
 
 namespace velmarhost {
-namespace {
-
-std::string LibraryFailure(const LibraryChoice &choice, const std::string &last_words, int32_t result) {
-    std::string text;
-    if (last_words.find(kAddFolderName) != std::string::npos) {
-        text = std::string("the media folder of the library has no folder \"") + kAddFolderName +
-               "\". Start iTunes once, which makes it, or make it yourself";
-    } else if (choice.library.empty()) {
-        text = "no iTunes library was found for this user. Name one with --library FILE";
-    } else {
-        text = "\"" + choice.library.string() + "\" could not be opened as an iTunes library";
-    }
-    text += " (the driver gave " + std::to_string(result);
-    if (!last_words.empty()) text += ": " + last_words;
-    return text + "). -v shows all that the driver said.";
-}
-
-}  // namespace
-
 MediaStream::~MediaStream() {
     driver_->close_stream(stream_);
 }
@@ -38,7 +20,7 @@ bool MediaStream::SeekFromStart(int64_t offset) {
 LibrarySession::LibrarySession(const std::string &driver_file, const LibraryChoice &choice, bool show_log)
     : log_(show_log), driver_(LoadDriverModule(driver_file)), environment_(choice) {
     const int32_t result = driver_.initialize(nullptr, nullptr, 0, &library_);
-    if (result != 0) throw HostError(ExitCode::kLibrary, LibraryFailure(choice, log_.LastWords(), result));
+    if (result != 0) throw HostError(ExitCode::kLibrary, ExplainLibraryFailure(choice, log_, result));
 }
 
 LibrarySession::~LibrarySession() {

@@ -44,11 +44,11 @@ DriverPath *HolderOf(LibraryDriver *driver, const PlaylistRecord &record, Driver
 }
 
 void LoadParserPlaylists(LibraryDriver *driver) {
-    for (const auto &playlist : driver->parser->playlists()) {
+    for (const Playlist *playlist : driver->parser->playlists()) {
         PlaylistRecord record;
         record.distinguished_kind = playlist->kind;
         record.is_smart = true;  // this source has the text for every list, if only an empty one
-        record.name = playlist->name;
+        record.name.emplace(playlist->name);
         record.persistent_id = std::to_string(playlist->id);
         if (IsHidden(record)) continue;
         DriverPath *path = CreatePlaylistPath(driver, record);

@@ -1,6 +1,8 @@
 // Attribute texts of a track of the .itl file.
+#include <charconv>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "content/location_url.h"
 #include "content/path_text.h"
@@ -30,17 +32,26 @@ enum Row : size_t {
 
 constexpr int32_t kSizeOfFile = -1;
 
-std::optional<std::string> SizeText(const Track &track) {
-    if (track.size != kSizeOfFile) return std::to_string(track.size);
+std::string_view NumberText(int64_t number, std::string &room) {
+    constexpr size_t kMostDigits = 24;
+    if (room.size() < kMostDigits) room.resize(kMostDigits);
+    char *end = std::to_chars(room.data(), room.data() + kMostDigits - 1, number).ptr;
+    *end = '\0';
+    return {room.data(), static_cast<size_t>(end - room.data())};
+}
+
+std::optional<std::string_view> SizeText(const Track &track, std::string &room) {
+    if (track.size != kSizeOfFile) return NumberText(track.size, room);
     struct __stat64 status = {};
     const std::wstring path = Utf8ToWide(LocationUrlToPath(track.location));
     if (_wstat64(path.c_str(), &status) != 0) return std::nullopt;
-    return std::to_string(status.st_size);
+    return NumberText(status.st_size, room);
 }
 
 }  // namespace
 
-std::optional<std::string> TrackFieldText(const Track &track, size_t index, int32_t flags) {
+std::optional<std::string_view> TrackFieldText(const Track &track, size_t index, int32_t flags,
+                                               std::string &room) {
     switch (index) {
         case kName:
             return track.name;
@@ -53,23 +64,23 @@ std::optional<std::string> TrackFieldText(const Track &track, size_t index, int3
         case kKind:
             return track.kind;
         case kSize:
-            return SizeText(track);
+            return SizeText(track, room);
         case kDuration:
-            return std::to_string(track.total_time);
+            return NumberText(track.total_time, room);
         case kBitRate:
-            return std::to_string(track.bit_rate);
+            return NumberText(track.bit_rate, room);
         case kSampleRate:
-            return std::to_string(track.sample_rate);
+            return NumberText(track.sample_rate, room);
         case kPlays:
-            return std::to_string(track.play_count);
+            return NumberText(track.play_count, room);
         case kRating:
-            return std::to_string(track.rating);
+            return NumberText(track.rating, room);
         case kPersistentId:
             return track.persistent_id;
         case kLocation:
-            return (flags & kTextIsLocation) != 0 ? LocationUrlToPath(track.location) : track.location;
+            return (flags & kTextIsLocation) != 0 ? LocationUrlToPath(track.location, room) : track.location;
         case kModified:
-            return std::to_string(track.date_modified);
+            return NumberText(track.date_modified, room);
         default:
             return std::nullopt;
     }

@@ -83,9 +83,9 @@ void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
     Classify(path, rows, room);
 }
 
-void ImportParserTrack(DriverPath *path) {
+void ImportParserTrack(DriverPath *path, TrackImportRoom &room) {
     for (size_t row = 0; row < kTrackKeyCount; ++row) {
-        const auto text = TrackFieldText(*path->parser_track, row, TrackKeyTable[row].flags);
+        const auto text = TrackFieldText(*path->parser_track, row, TrackKeyTable[row].flags, room.text);
         if (text) AddTrackAttribute(path, row, *text);
     }
 }
@@ -100,9 +100,10 @@ DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
 }
 
 void LoadParserTracks(LibraryDriver *driver, TrackImportRoom &room) {
-    for (const auto &track : driver->parser->tracks()) {
+    driver->index.track_numbers.Reserve(driver->parser->tracks().size());
+    for (const Track *track : driver->parser->tracks()) {
         DriverPath *path = CreateTrackPath(driver, std::to_string(track->id).c_str());
-        path->parser_track = track.get();
+        path->parser_track = track;
         ImportTrackAttributes(path, room);
     }
 }
@@ -145,7 +146,7 @@ DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, 
 
 int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room) {
     if (path->parser_track != nullptr) {
-        ImportParserTrack(path);
+        ImportParserTrack(path, room);
     } else {
         if (!IsDictionary(path->track_dictionary)) return -1;
         ImportDictionary(path, room);

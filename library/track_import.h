@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "driver/library_driver.h"
@@ -34,7 +35,8 @@ DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, 
 int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room);
 
 // The text of one row of TrackKeyTable for a track of the .itl file; empty for a row that such a track does
-// not have.
-std::optional<std::string> TrackFieldText(const Track &track, size_t index, int32_t flags);
+// not have. It lies in the track or in `room`, which is used again, and is followed by a NUL.
+std::optional<std::string_view> TrackFieldText(const Track &track, size_t index, int32_t flags,
+                                               std::string &room);
 
 #endif

@@ -130,4 +130,14 @@ bool IsAscii(std::string_view text) {
     return std::none_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; });
 }
 
+bool IsUtf8(std::string_view text) {
+    if (IsAscii(text)) return true;
+    while (!text.empty()) {
+        const size_t length = DecodeUtf8(text).length;
+        if (length == 1 && (text[0] & 0x80) != 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 }  // namespace core_foundation

@@ -30,6 +30,7 @@ std::string Utf8ToUtf16BigEndian(std::string_view text);
 size_t Utf16Length(std::string_view text);
 
 bool IsAscii(std::string_view text);
+bool IsUtf8(std::string_view text);
 
 }  // namespace core_foundation
 

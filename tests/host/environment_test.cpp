@@ -54,6 +54,15 @@ TEST_F(Environment, LibraryFileStandsAlone) {
     EXPECT_EQ(host_.LeftBehind(), 0U);
 }
 
+TEST_F(Environment, ItlFileIsTheOnlyLibraryThere) {
+    const fs::path itl = host_.files().Write("old/iTunes Library.itl", "hdfm");
+    const HostResult result = host_.Run({"--library", itl.string(), "ls"});
+    EXPECT_EQ(result.exit_code, 0) << result.errors;
+    EXPECT_EQ(fs::read_symlink(Snapshot() / "music" / "iTunes" / "iTunes Library.itl"), itl);
+    EXPECT_FALSE(fs::is_symlink(Snapshot() / "library" / "iTunes Library.xml"));
+    EXPECT_TRUE(fs::exists(Snapshot() / "library" / "Album Artwork" / "cover"));
+}
+
 TEST_F(Environment, MediaFolderIsLinkedAndLocationsMove) {
     const HostResult result = host_.Run({"--library", Library(), "--media", Disk(), "ls"});
     EXPECT_EQ(result.exit_code, 0) << result.errors;
@@ -135,6 +144,19 @@ TEST_F(Environment, BadChoicesAreExplained) {
     expect({"--drive", "C:"}, 2, "--drive");
     expect({"--drive", "C:=" + folder + "none"}, 2, "none");
     expect({"--drive", "C:=" + Disk(), "--drive", "c:=" + Disk()}, 2, "twice");
+}
+
+TEST_F(Environment, FailedLoadTellsWhatWasLookedForAndWhatToDo) {
+    host_.Set("FAKE_DRIVER_RESULT", "-999");
+    const fs::path itl = host_.files().Write("old/iTunes Library.itl", "hdfm");
+    for (const std::vector<std::string> &arguments :
+         std::vector<std::vector<std::string>>{{"ls"}, {"--library", itl.string(), "ls"}}) {
+        const HostResult result = host_.Run(arguments);
+        EXPECT_EQ(result.exit_code, 3);
+        EXPECT_THAT(result.errors, HasSubstr("\"Share iTunes Library XML with other applications\""));
+        EXPECT_THAT(result.errors, HasSubstr("iTunes Library.itl\""));
+        EXPECT_EQ(result.errors.find("Music\\Library.xml\" and") != std::string::npos, arguments.size() == 1);
+    }
 }
 
 TEST_F(Environment, FailedLoadOfALibraryFileNamesIt) {

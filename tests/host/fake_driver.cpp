@@ -60,6 +60,7 @@ int32_t InitializeDriverPath(DriverStartupCallback, void *, uintptr_t, LibraryDr
     WriteVelmarLog("%s", "[fake] starting");
     if (const std::string folder = Variable("FAKE_DRIVER_SNAPSHOT"); !folder.empty()) TakeSnapshot(folder);
     if (const std::string result = Variable("FAKE_DRIVER_RESULT"); !result.empty()) {
+        WriteVelmarLog("%s", "[fake] Default iTunes Library XML: C:\\Music\\Library.xml");
         WriteVelmarLog("%s", "[fake] the library is bad \x1b[31m");
         return std::stoi(result);
     }

@@ -9,6 +9,7 @@
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
 #include "tests/support/collected_log.h"
+#include "tests/support/file_writing.h"
 #include "tests/support/library_place.h"
 #include "tests/support/library_xml.h"
 #include "tests/support/temp_folder.h"
@@ -18,8 +19,13 @@ class LoadedLibrary {
   public:
     explicit LoadedLibrary(const std::function<void(LibraryXml &)> &write) {
         Rewrite(write);
-        const ScopedEnvironmentValues environment(place_.environment);
-        result = CreateLibrary(&driver);
+        Load();
+    }
+    // The only library file of its place, which the driver knows by its name and its ending.
+    LoadedLibrary(const std::string &ending, const std::string &bytes) {
+        const std::string name = ending == "itl" ? "iTunes Library.itl" : "iTunes Music Library.xml";
+        WriteFile(place_.library_xml.parent_path() / name, bytes);
+        Load();
     }
     ~LoadedLibrary() { DestroyLibrary(&driver); }
     LoadedLibrary(const LoadedLibrary &) = delete;
@@ -57,6 +63,11 @@ class LoadedLibrary {
     }
 
   private:
+    void Load() {
+        const ScopedEnvironmentValues environment(place_.environment);
+        result = CreateLibrary(&driver);
+    }
+
     TempFolder folder_;
     LibraryPlace place_ = MakeLibraryPlace(folder_.path());
 

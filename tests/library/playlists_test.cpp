@@ -5,6 +5,7 @@
 
 #include "library/track_import.h"
 #include "tests/library/loaded_library.h"
+#include "tests/support/itl_file.h"
 
 namespace {
 
@@ -192,46 +193,21 @@ TEST(LoadPlaylists, BooksAndApplicationsTakeTheNumbersOfTheirList) {
     EXPECT_THAT(Numbers(library.At("library/app/5.ipa")), ElementsAre(4, 6, 60));
 }
 
-class FilledParser : public ITLParser {
-  public:
-    FilledParser() : ITLParser("") {
-        valid_ = true;
-        for (const int32_t id : {1, 2}) {
-            tracks_.push_back(std::make_unique<Track>());
-            tracks_.back()->id = id;
-        }
-        Add("####!####", 0, {1});
-        Add("", 0, {2, 1, 9});
-        Add("Films", 2, {1});
-    }
-
-  private:
-    void Add(const char *name, int32_t kind, std::vector<int32_t> items) {
-        playlists_.push_back(std::make_unique<Playlist>());
-        *playlists_.back() = {name, "", 77, kind, std::move(items)};
-    }
-};
-
 TEST(LoadPlaylists, ListsOfTheOtherSourceAreAllSmart) {
-    const TempFolder folder;
-    std::filesystem::create_directories(folder.path() / "Automatically Add to iTunes");
-    LibraryDriver driver;
-    driver.add_folder = folder.path().string();
-    driver.parser = std::make_unique<FilledParser>();
-    driver.root = CreateDriverPath(&driver, 0, 0, 0);
-    for (const char *name : {"library", "genius", "playlist"}) {
-        AppendChild(driver.root, name, CreateDriverPath(&driver, 1, 1, 1));
-    }
-    ASSERT_EQ(LoadTracks(&driver), 0);
-    LoadPlaylists(&driver);
-    DriverPath *list = FindChild(GetPlaylistRoot(&driver), "");
-    ASSERT_NE(list, nullptr);
-    EXPECT_THAT(Numbers(list), ElementsAre(1, 1, 3));
-    EXPECT_EQ(FindAttribute(list, "persistent_id"), "77");
-    EXPECT_EQ(ChildCount(list), 2);
-    EXPECT_EQ(ChildCount(GetPlaylistRoot(&driver)), 1);
-    EXPECT_NE(FindChild(FindChild(GetLibraryRoot(&driver), "movie"), "1"), nullptr);
-    DestroyLibrary(&driver);
+    ItlFile file(ItlForm12());
+    file.AddTrack({.id = 1});
+    file.AddTrack({.id = 2});
+    file.AddPlaylist({.name = "####!####", .id = 76, .master = true, .items = {1}});
+    file.AddPlaylist({.name = "Mine", .id = 77, .items = {2, 1, 9}});
+    file.AddPlaylist({.name = "Films", .kind = 2, .id = 78, .items = {1}});
+    LoadedLibrary library("itl", file.Bytes());
+    ASSERT_EQ(library.result, 0);
+    EXPECT_THAT(library.NamesUnder("playlist"), ElementsAre("Mine"));
+    EXPECT_THAT(library.NamesUnder("playlist/Mine"), ElementsAre("2", "1"));
+    EXPECT_THAT(Numbers(library.At("playlist/Mine")), ElementsAre(1, 1, 3));
+    EXPECT_EQ(FindAttribute(library.At("playlist/Mine"), "persistent_id"), "77");
+    EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("1"));
+    EXPECT_EQ(library.driver.master_playlist, nullptr);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "content/plist_values.h"
 #include "library/track_keys.h"
 #include "tests/library/loaded_library.h"
+#include "tests/support/itl_file.h"
 
 namespace {
 
@@ -97,20 +98,13 @@ TEST(TrackKeys, AreFoundByTheirExactText) {
     }
 }
 
-// A parser whose file a test has made up.
-class FilledParser : public ITLParser {
-  public:
-    FilledParser() : ITLParser("") {
-        valid_ = true;
-        persistent_id_ = "0123456789ABCDEF";
-        itunes_version_ = "8.0";
-    }
-    Track &AddTrack(int32_t id) {
-        tracks_.push_back(std::make_unique<Track>());
-        tracks_.back()->id = id;
-        return *tracks_.back();
-    }
-};
+std::optional<std::string> FieldText(const Track &track, size_t index, int32_t flags) {
+    std::string room;
+    const auto text = TrackFieldText(track, index, flags, room);
+    if (!text) return std::nullopt;
+    EXPECT_EQ(text->data()[text->size()], '\0');
+    return std::string(*text);
+}
 
 TEST(TrackFieldText, PrintsNumbersAlwaysAndTextsUnchanged) {
     Track track;
@@ -118,15 +112,15 @@ TEST(TrackFieldText, PrintsNumbersAlwaysAndTextsUnchanged) {
     track.size = 0;
     track.date_modified = -5000000000;
     track.location = "file:///C:/a%20b.mp3";
-    EXPECT_EQ(TrackFieldText(track, 0, 0), "A");
-    EXPECT_EQ(TrackFieldText(track, 5, 0), "") << "an empty text is a text here";
-    EXPECT_EQ(TrackFieldText(track, 7, 0), "0");
-    EXPECT_EQ(TrackFieldText(track, 17, 0), "0");
-    EXPECT_EQ(TrackFieldText(track, 21, 0), track.location);
-    EXPECT_EQ(TrackFieldText(track, 21, kTextIsLocation), "C:/a b.mp3");
-    EXPECT_EQ(TrackFieldText(track, 22, 0), "-5000000000");
+    EXPECT_EQ(FieldText(track, 0, 0), "A");
+    EXPECT_EQ(FieldText(track, 5, 0), "") << "an empty text is a text here";
+    EXPECT_EQ(FieldText(track, 7, 0), "0");
+    EXPECT_EQ(FieldText(track, 17, 0), "0");
+    EXPECT_EQ(FieldText(track, 21, 0), track.location);
+    EXPECT_EQ(FieldText(track, 21, kTextIsLocation), "C:/a b.mp3");
+    EXPECT_EQ(FieldText(track, 22, 0), "-5000000000");
     for (const size_t nothing : {3u, 4u, 9u, 10u, 13u, 14u, 15u, 18u, 19u, 23u, 24u, 25u, 26u, 27u, 1000u}) {
-        EXPECT_EQ(TrackFieldText(track, nothing, 0), std::nullopt) << nothing;
+        EXPECT_EQ(FieldText(track, nothing, 0), std::nullopt) << nothing;
     }
 }
 
@@ -134,25 +128,26 @@ TEST(TrackFieldText, AsksTheFileForASizeOfMinusOne) {
     const TempFolder folder;
     Track track;
     track.size = -1;
-    track.location = "file://localhost" + folder.Write("a b.mp3", "12345").string();
-    track.location.replace(track.location.find(' '), 1, "%20");
-    EXPECT_EQ(TrackFieldText(track, 7, 0), "5");
-    track.location += "x";
-    EXPECT_EQ(TrackFieldText(track, 7, 0), std::nullopt);
+    std::string location = "file://localhost" + folder.Write("a b.mp3", "12345").string();
+    location.replace(location.find(' '), 1, "%20");
+    track.location = location;
+    EXPECT_EQ(FieldText(track, 7, 0), "5");
+    location += "x";
+    track.location = location;
+    EXPECT_EQ(FieldText(track, 7, 0), std::nullopt);
 }
 
 TEST(LoadTracks, TakesTracksOfTheOtherSourceInTheirOrderAndUnclassified) {
-    const TempFolder folder;
-    std::filesystem::create_directories(folder.path() / "Automatically Add to iTunes");
-    LibraryDriver driver;
-    driver.add_folder = folder.path().string();
-    auto parser = std::make_unique<FilledParser>();
-    parser->AddTrack(-3).kind = "MPEG audio file";
-    parser->AddTrack(7);
-    driver.parser = std::move(parser);
-    ASSERT_EQ(LoadTracks(&driver), 0);
-    ASSERT_EQ(GetVelmarArraySize(driver.tracks), 2);
-    const DriverPath *track = FindTrackById(&driver, "-3");
+    ItlFile file(ItlForm12());
+    file.AddTrack({.id = static_cast<std::uint32_t>(-3), .texts = {{kItlKind, "MPEG audio file"}}});
+    file.AddTrack({.id = 7});
+    LoadedLibrary library("itl", file.Bytes());
+    ASSERT_EQ(library.result, 0);
+    EXPECT_NE(library.driver.parser, nullptr);
+    EXPECT_EQ(FindAttribute(library.driver.root, "persistent_id"), "A1B2C3D4E5F60718");
+    EXPECT_EQ(FindAttribute(library.driver.root, "application_version"), "12.9.4.102");
+    ASSERT_EQ(GetVelmarArraySize(library.driver.tracks), 2);
+    const DriverPath *track = TrackOf(library, "-3");
     ASSERT_NE(track, nullptr);
     EXPECT_NE(track->parser_track, nullptr);
     EXPECT_EQ(track->category, 0);
@@ -160,7 +155,6 @@ TEST(LoadTracks, TakesTracksOfTheOtherSourceInTheirOrderAndUnclassified) {
     EXPECT_EQ(FindAttribute(track, "kind"), "MPEG audio file");
     EXPECT_EQ(FindAttribute(track, "album_artist"), std::nullopt);
     EXPECT_EQ(GetVelmarAttributeSize(track->attributes), 15);
-    DestroyLibrary(&driver);
 }
 
 }  // namespace

@@ -14,7 +14,9 @@ struct GeneratedLibraryOptions {
     std::uint64_t seed = 1;
 };
 
-// The same options give the same bytes. Throws std::runtime_error when the file cannot be written.
+// Writes an .itl file of the latest form if the name ends so, else XML. The same options give the same bytes,
+// and both forms the same tracks and lists, with the dates of an .itl file in UTC. Throws std::runtime_error
+// when the file cannot be written.
 void GenerateLibrary(const std::filesystem::path &file, const GeneratedLibraryOptions &options);
 
 // The id of the track at a position from 0 on; ids have gaps, as in real libraries.

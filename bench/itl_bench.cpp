@@ -1,0 +1,105 @@
+// Loading a library from "iTunes Library.itl" against loading the same library from its XML, and the reader
+// of the .itl file alone. They take turns, each time in a process of its own, after one round that only warms
+// the files up.
+
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include "bench/library_walk.h"
+#include "bench/measure.h"
+#include "driver/itunes_driver.h"
+#include "platform/itl_parser/itl_parser.h"
+#include "tests/support/library_place.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRounds = 7;
+
+// A user's place whose library is one file; for an .itl file there is none in XML.
+class LibraryUser {
+  public:
+    explicit LibraryUser(const fs::path &library)
+        : place_(MakeLibraryPlace(home_.path(), PathStyle::kNative,
+                                  library.extension() == ".itl" ? fs::path() : library)) {
+        if (library.extension() == ".itl")
+            fs::create_symlink(library, place_.library_xml.parent_path() / "iTunes Library.itl");
+    }
+
+    void Load() const {
+        const ScopedEnvironmentValues environment(place_.environment);
+        LibraryDriver *driver = nullptr;
+        Require(InitializeDriverPath(nullptr, nullptr, 0, &driver) == 0,
+                "the driver cannot load the library");
+        Require(UninitializeDriverPath(driver) == 0, "the driver cannot release the library");
+    }
+
+  private:
+    TempFolder home_;
+    LibraryPlace place_;
+};
+
+void Parse(const std::string &path) {
+    const ITLParser parser(path.c_str());
+    Require(parser.isValid(), "the file is not valid");
+}
+
+struct Costs {
+    Series seconds;
+    Series bytes;
+    void Add(const Cost &cost) {
+        seconds.Add(cost.seconds);
+        bytes.Add(cost.peak_bytes);
+    }
+};
+
+void Print(const std::string &what, const Costs &itl, const Costs &xml) {
+    constexpr double kMegabyte = 1.0 / (1 << 20);
+    std::cout << what << " time: .itl / XML = " << Ratio(itl.seconds, xml.seconds) << "   "
+              << itl.seconds.Text(1, "s") << " / " << xml.seconds.Text(1, "s") << "\n"
+              << what << " peak memory: .itl / XML = " << Ratio(itl.bytes, xml.bytes) << "   "
+              << itl.bytes.Text(kMegabyte, "MiB") << " / " << xml.bytes.Text(kMegabyte, "MiB") << "\n";
+}
+
+void Run(const fs::path &itl_file, const fs::path &xml_file) {
+    SetVelmarLogHandler([](const char *, void *) {}, nullptr);
+    const LibraryUser itl_user(itl_file);
+    const LibraryUser xml_user(xml_file);
+    Costs itl;
+    Costs xml;
+    Costs parse;
+    for (int round = -1; round < kRounds; ++round) {
+        const Cost itl_cost = MeasureInChild([&] { itl_user.Load(); });
+        const Cost xml_cost = MeasureInChild([&] { xml_user.Load(); });
+        const Cost parse_cost = MeasureInChild([&] { Parse(itl_file.string()); });
+        if (round < 0) continue;
+        itl.Add(itl_cost);
+        xml.Add(xml_cost);
+        parse.Add(parse_cost);
+    }
+    std::cout << "library of " << fs::file_size(itl_file) / (1 << 20) << " MiB as .itl and "
+              << fs::file_size(xml_file) / (1 << 20) << " MiB as XML; medians of " << kRounds
+              << " rounds (min to max)\n";
+    Print("load", itl, xml);
+    Print("the .itl file alone against a load of the XML,", parse, xml);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 3) {
+        std::cerr << "usage: itl-bench LIBRARY_ITL LIBRARY_XML\n";
+        return 2;
+    }
+    try {
+        Run(fs::absolute(argv[1]), fs::absolute(argv[2]));
+    } catch (const std::exception &error) {
+        std::cerr << "itl-bench: " << error.what() << "\n";
+        return 1;
+    }
+    return 0;
+}
