@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <random>
 
@@ -13,8 +12,6 @@
 #include "tests/driver/copy_fixture.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 // The name behind the folder that the walk gives; "none" without one.
 std::string UniqueIn(const TempFolder &folder, const std::string &name) {
@@ -82,11 +79,10 @@ TEST(UniqueFileName, GivesWhatTheWalkGives) {
     }
 }
 
-TEST(UniqueFile, TheTenThousandthCopyOfOneNameCostsNotTenThousandTimesTheFirst) {
+TEST(UniqueFile, TenThousandCopiesOfOneNameHaveNamesOfTheirOwn) {
     constexpr int kCopies = 10000;
-    constexpr int kTimed = 100;
+    constexpr int kCopied = 100;
     CopyFixture copy;
-    std::vector<Clock::duration> times;
     const std::filesystem::path folder = copy.folder.path() / CopyFixture::kFolder;
     const std::string byte = "b";
     copy.TakeMemory(byte);
@@ -94,19 +90,16 @@ TEST(UniqueFile, TheTenThousandthCopyOfOneNameCostsNotTenThousandTimesTheFirst) 
         return folder / (NameOfBlock(byte) + (number == 0 ? "" : std::to_string(number)) + ".mpg");
     };
     const auto copy_some = [&](int first) {
-        const auto start = Clock::now();
-        for (int number = first; number < first + kTimed; ++number) {
+        for (int number = first; number < first + kCopied; ++number) {
             ASSERT_EQ(CopyDriverPath(&copy.driver, 0, "", &copy.source), 0);
             ASSERT_TRUE(std::filesystem::exists(file(number))) << number;
         }
-        times.push_back(Clock::now() - start);
     };
     copy_some(0);
     // What copies in between would have left; a benchmark makes them all.
-    for (int number = kTimed; number < kCopies - kTimed; ++number)
+    for (int number = kCopied; number < kCopies - kCopied; ++number)
         std::ofstream(file(number)).put('b');
-    copy_some(kCopies - kTimed);
-    EXPECT_LT(times[1] / times[0], 1000) << times[0].count() << " ns, then " << times[1].count() << " ns";
+    copy_some(kCopies - kCopied);
 
     // Numbers that are free again are taken first.
     for (const int number : {7777, 3})
@@ -143,7 +136,7 @@ TEST(UniqueFile, TwoProcessesNeverWriteOneFile) {
 }
 
 TEST(Copy, ThatIsKilledHarmsNoOtherFile) {
-    constexpr int kKills = 50;
+    constexpr int kKills = 200;
     constexpr int kLongestMicroseconds = 4000;
     std::mt19937 random(7);
     CopyFixture copy;
@@ -155,6 +148,9 @@ TEST(Copy, ThatIsKilledHarmsNoOtherFile) {
         whole[stem + number + ".mpg"] = std::string("old ") + number;
     for (const auto &[name, content] : whole)
         copy.folder.Write(std::string(CopyFixture::kFolder) + "/" + name, content);
+    // What else iTunes has lies beside the folder.
+    for (const char *name : {"media/iTunes Library.xml", "media/iTunesPrefs.xml"})
+        copy.folder.Write(name, name);
     int partial = 0;
     for (int i = 0; i < kKills; ++i) {
         const pid_t child = fork();
@@ -179,6 +175,8 @@ TEST(Copy, ThatIsKilledHarmsNoOtherFile) {
             std::filesystem::remove(copy.folder.path() / CopyFixture::kFolder / name);
         }
         EXPECT_LE(incomplete, 1);
+        for (const char *name : {"media/iTunes Library.xml", "media/iTunesPrefs.xml"})
+            EXPECT_EQ(ReadWholeFile(copy.folder.path() / name), name);
         partial += incomplete;
     }
     EXPECT_GT(partial, 0) << "no copy was met while it wrote";
