@@ -84,7 +84,7 @@ void ImportDictionary(DriverPath *path, TrackImportRoom &room) {
 }
 
 void ImportParserTrack(DriverPath *path, TrackImportRoom &room) {
-    for (size_t row = 0; row < kTrackKeyCount; ++row) {
+    for (const size_t row : kParserTrackRows) {
         const auto text = TrackFieldText(*path->parser_track, row, TrackKeyTable[row].flags, room.text);
         if (text) AddTrackAttribute(path, row, *text);
     }

@@ -34,8 +34,11 @@ DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, 
 // Turns the source record of a new track path into attributes. 0, or -1 when it has none.
 int32_t ImportTrackAttributes(DriverPath *path, TrackImportRoom &room);
 
-// The text of one row of TrackKeyTable for a track of the .itl file; empty for a row that such a track does
-// not have. It lies in the track or in `room`, which is used again, and is followed by a NUL.
+// The rows of TrackKeyTable that a track of the .itl file has.
+constexpr std::array<size_t, 14> kParserTrackRows = {0, 1, 2, 5, 6, 7, 8, 11, 12, 16, 17, 20, 21, 22};
+
+// The text of one row for a track of the .itl file; empty for a row that such a track does not have. It lies
+// in the track or in `room`, which is used again, and is followed by a NUL.
 std::optional<std::string_view> TrackFieldText(const Track &track, size_t index, int32_t flags,
                                                std::string &room);
 

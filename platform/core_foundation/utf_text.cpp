@@ -1,6 +1,6 @@
 #include "platform/core_foundation/utf_text.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace core_foundation {
 
@@ -127,7 +127,16 @@ size_t Utf16Length(std::string_view text) {
 }
 
 bool IsAscii(std::string_view text) {
-    return std::none_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; });
+    // Whole words, as nearly all texts are ASCII to the end.
+    uint64_t bits = 0;
+    for (; text.size() >= sizeof bits; text.remove_prefix(sizeof bits)) {
+        uint64_t word;
+        std::memcpy(&word, text.data(), sizeof word);
+        bits |= word;
+    }
+    for (const char byte : text)
+        bits |= static_cast<uint8_t>(byte);
+    return (bits & 0x8080808080808080) == 0;
 }
 
 bool IsUtf8(std::string_view text) {

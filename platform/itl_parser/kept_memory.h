@@ -10,7 +10,7 @@
 
 namespace itl_parser {
 
-// What may be kept of a file: so many times its length, and a constant. Of a real library about three times
+// What may be kept of a file: so many times its length, and a constant. Of a real library two to three times
 // the length is kept; a crafted file, which deflate makes small, could demand a hundred times as much.
 constexpr size_t kMostKeptPerByte = 16;
 constexpr size_t kFreeKept = size_t{16} << 20;

@@ -28,18 +28,6 @@ bool SameDate(const std::string &xml, const std::string &itl, Writer writer) {
     return writer == Writer::kOurs ? shift == 0 : shift % kQuarter == 0 && std::abs(shift) <= kLargestShift;
 }
 
-// The rows that a track of the .itl file has.
-std::vector<std::string> FieldsOf(const DriverPath *track) {
-    const Track any;
-    std::string room;
-    std::vector<std::string> fields;
-    for (size_t row = 0; row < kTrackKeyCount; ++row) {
-        const char *attribute = TrackKeyTable[row].attribute;
-        if (track != nullptr && TrackFieldText(any, row, 0, room)) fields.emplace_back(attribute);
-    }
-    return fields;
-}
-
 class Comparison {
   public:
     Comparison(const std::string &xml, const std::string &itl, Writer writer)
@@ -62,8 +50,12 @@ class Comparison {
             const auto *track = static_cast<const DriverPath *>(item);
             const std::string id(*FindAttribute(track, "id"));
             const DriverPath *other = FindTrackById(&itl_.driver, id.c_str());
-            if (other == nullptr) differences.push_back(id + " is missing");
-            for (const std::string &field : FieldsOf(other)) {
+            if (other == nullptr) {
+                differences.push_back(id + " is missing");
+                continue;
+            }
+            for (const size_t row : kParserTrackRows) {
+                const std::string field = TrackKeyTable[row].attribute;
                 const std::string xml = Value(track, field), itl = Value(other, field);
                 if (!Same(field, xml, itl)) differences.push_back(id + " " + field + " " + xml + " " + itl);
             }

@@ -119,6 +119,8 @@ TEST(TrackFieldText, PrintsNumbersAlwaysAndTextsUnchanged) {
     EXPECT_EQ(FieldText(track, 21, 0), track.location);
     EXPECT_EQ(FieldText(track, 21, kTextIsLocation), "C:/a b.mp3");
     EXPECT_EQ(FieldText(track, 22, 0), "-5000000000");
+    for (const size_t row : kParserTrackRows)
+        EXPECT_NE(FieldText(track, row, 0), std::nullopt) << row;
     for (const size_t nothing : {3u, 4u, 9u, 10u, 13u, 14u, 15u, 18u, 19u, 23u, 24u, 25u, 26u, 27u, 1000u}) {
         EXPECT_EQ(FieldText(track, nothing, 0), std::nullopt) << nothing;
     }
