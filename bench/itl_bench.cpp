@@ -48,23 +48,6 @@ void Parse(const std::string &path) {
     Require(parser.isValid(), "the file is not valid");
 }
 
-struct Costs {
-    Series seconds;
-    Series bytes;
-    void Add(const Cost &cost) {
-        seconds.Add(cost.seconds);
-        bytes.Add(cost.peak_bytes);
-    }
-};
-
-void Print(const std::string &what, const Costs &itl, const Costs &xml) {
-    constexpr double kMegabyte = 1.0 / (1 << 20);
-    std::cout << what << " time: .itl / XML = " << Ratio(itl.seconds, xml.seconds) << "   "
-              << itl.seconds.Text(1, "s") << " / " << xml.seconds.Text(1, "s") << "\n"
-              << what << " peak memory: .itl / XML = " << Ratio(itl.bytes, xml.bytes) << "   "
-              << itl.bytes.Text(kMegabyte, "MiB") << " / " << xml.bytes.Text(kMegabyte, "MiB") << "\n";
-}
-
 void Run(const fs::path &itl_file, const fs::path &xml_file) {
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);
     const LibraryUser itl_user(itl_file);
@@ -84,8 +67,8 @@ void Run(const fs::path &itl_file, const fs::path &xml_file) {
     std::cout << "library of " << fs::file_size(itl_file) / (1 << 20) << " MiB as .itl and "
               << fs::file_size(xml_file) / (1 << 20) << " MiB as XML; medians of " << kRounds
               << " rounds (min to max)\n";
-    Print("load", itl, xml);
-    Print("the .itl file alone against a load of the XML,", parse, xml);
+    PrintCosts("load", ".itl / XML", itl, xml);
+    PrintCosts("the .itl file alone against a load of the XML,", ".itl / XML", parse, xml);
 }
 
 }  // namespace

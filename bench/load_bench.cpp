@@ -55,23 +55,6 @@ void ParseWithLibplist(const std::string &path) {
     plist_free(list);
 }
 
-struct Costs {
-    Series seconds;
-    Series bytes;
-    void Add(const Cost &cost) {
-        seconds.Add(cost.seconds);
-        bytes.Add(cost.peak_bytes);
-    }
-};
-
-void Print(const std::string &what, const Costs &ours, const Costs &theirs) {
-    constexpr double kMegabyte = 1.0 / (1 << 20);
-    std::cout << what << " time: driver / libplist = " << Ratio(ours.seconds, theirs.seconds) << "   "
-              << ours.seconds.Text(1, "s") << " / " << theirs.seconds.Text(1, "s") << "\n"
-              << what << " peak memory: driver / libplist = " << Ratio(ours.bytes, theirs.bytes) << "   "
-              << ours.bytes.Text(kMegabyte, "MiB") << " / " << theirs.bytes.Text(kMegabyte, "MiB") << "\n";
-}
-
 void Run(const std::filesystem::path &library_xml) {
     const TempFolder home;
     const LibraryPlace place = MakeLibraryPlace(home.path(), PathStyle::kNative, library_xml);
@@ -91,8 +74,8 @@ void Run(const std::filesystem::path &library_xml) {
     }
     std::cout << "library of " << std::filesystem::file_size(library_xml) / (1 << 20) << " MiB; medians of "
               << kRounds << " rounds (min to max)\n";
-    Print("load", load, libplist);
-    Print("parse alone,", parse, libplist);
+    PrintCosts("load", "driver / libplist", load, libplist);
+    PrintCosts("parse alone,", "driver / libplist", parse, libplist);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <iostream>
 #include <stdexcept>
 
 namespace {
@@ -79,4 +80,20 @@ std::string Ratio(const Series &first, const Series &second) {
     char text[40];
     std::snprintf(text, sizeof text, ratio < 1 ? "1/%.2f" : "%.2f", ratio < 1 ? 1 / ratio : ratio);
     return text;
+}
+
+void Costs::Add(const Cost &cost) {
+    seconds.Add(cost.seconds);
+    peak_bytes.Add(cost.peak_bytes);
+}
+
+void PrintCosts(const std::string &what, const std::string &names, const Costs &first, const Costs &second) {
+    constexpr double kMegabyte = 1.0 / (1 << 20);
+    const auto print = [&](const char *quantity, const Series &one, const Series &other, double scale,
+                           const char *unit) {
+        std::cout << what << quantity << names << " = " << Ratio(one, other) << "   " << one.Text(scale, unit)
+                  << " / " << other.Text(scale, unit) << "\n";
+    };
+    print(" time: ", first.seconds, second.seconds, 1, "s");
+    print(" peak memory: ", first.peak_bytes, second.peak_bytes, kMegabyte, "MiB");
 }

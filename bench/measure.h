@@ -33,4 +33,15 @@ class Series {
 // "1/4.2" or "1.3": the first median divided by the second.
 std::string Ratio(const Series &first, const Series &second);
 
+// What the rounds of some work cost.
+struct Costs {
+    Series seconds;
+    Series peak_bytes;
+    void Add(const Cost &cost);
+};
+
+// Prints time and peak memory of two works as ratios: "WHAT time: NAMES = ...", where the names are of the
+// two, as "driver / libplist".
+void PrintCosts(const std::string &what, const std::string &names, const Costs &first, const Costs &second);
+
 #endif
