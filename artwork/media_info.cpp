@@ -73,7 +73,7 @@ MediaInfoFile::~MediaInfoFile() {
 size_t MediaInfoFile::Open(const std::wstring &path) {
     if (!IsReady()) return 0;
     const Utf8Locale locale;
-    return loaded.open(handle_, WideFromUtf8(NativePath(path)).c_str());
+    return loaded.open(handle_, Utf8ToWide(NativePath(path)).c_str());
 }
 
 std::wstring MediaInfoFile::Get(int stream_kind, size_t stream_number, const wchar_t *parameter,

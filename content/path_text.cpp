@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "content/environment.h"
-#include "platform/windows/text.h"
 
 namespace {
 
@@ -43,12 +42,4 @@ std::wstring BuildTempPathW(std::optional<std::wstring_view> folder, std::wstrin
     std::wstring path = TempFolderPath() + L'\\';
     if (folder && !folder->empty()) path.append(*folder) += L'\\';
     return path.append(name);
-}
-
-std::wstring Utf8ToWide(std::string_view text) {
-    return WideFromUtf8(text);
-}
-
-std::string WideToUtf8(std::wstring_view text) {
-    return Utf8FromWide(text);
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/windows/text.h"
+
 // Puts `put` in the place of every byte `find`. Meant for ASCII characters, so that UTF-8 text keeps its
 // meaning.
 void ReplaceChar(std::string &text, char find, char put);
@@ -30,8 +32,5 @@ std::string BuildTempPath(std::optional<std::string_view> folder, std::string_vi
 
 // The same in wide text. Here an empty folder, too, gives the short form.
 std::wstring BuildTempPathW(std::optional<std::wstring_view> folder, std::wstring_view name);
-
-std::wstring Utf8ToWide(std::string_view text);
-std::string WideToUtf8(std::wstring_view text);
 
 #endif

@@ -60,7 +60,7 @@ zlib_filefunc64_def FileFunctions() {
 
 ZipReadHandle OpenZipForRead(std::string_view path) {
     zlib_filefunc64_def functions = FileFunctions();
-    return ZipReadHandle(unzOpen2_64(WideFromUtf8(path).c_str(), &functions));
+    return ZipReadHandle(unzOpen2_64(Utf8ToWide(path).c_str(), &functions));
 }
 
 // End of the directory: signature 0, numbers of disks 4 and 6, numbers of entries 8 and 10, size of the
@@ -75,5 +75,5 @@ bool IsEmptyZip(std::string_view path) {
 
 ZipWriteHandle CreateZip(std::string_view path) {
     zlib_filefunc64_def functions = FileFunctions();
-    return ZipWriteHandle(zipOpen2_64(WideFromUtf8(path).c_str(), APPEND_STATUS_CREATE, nullptr, &functions));
+    return ZipWriteHandle(zipOpen2_64(Utf8ToWide(path).c_str(), APPEND_STATUS_CREATE, nullptr, &functions));
 }

@@ -54,7 +54,8 @@ constexpr int32_t kApplication = 60;
 // A longer extension is cut in the names of tracks in lists.
 constexpr size_t kLongestListExtension = 5;
 
-// A node of the tree. `children` and `names` are parallel, and change through AppendChild alone.
+// A node of the tree. `children` and `names` are parallel, and change through AppendChild and DetachChild
+// alone.
 struct DriverPath : Pooled {
     // What opening and closing touches stands together.
     char *open_path = nullptr;  // text of the first open, while open_count is not 0

@@ -68,10 +68,10 @@ bool Fetch(CURL *easy, const std::string &url, Transfer &transfer) {
 
 HRESULT URLDownloadToFileW(LPUNKNOWN, LPCWSTR url, LPCWSTR path, DWORD, LPBINDSTATUSCALLBACK) {
     if (url == nullptr || path == nullptr) return E_INVALIDARG;
-    std::optional<AtomicFile> file = AtomicFile::Create(Utf8FromWide(path));
+    std::optional<AtomicFile> file = AtomicFile::Create(WideToUtf8(path));
     const Easy easy = OpenTransfer();
     if (!file || !easy) return E_FAIL;
     Transfer transfer{std::move(*file)};
-    if (!Fetch(easy.get(), Utf8FromWide(url), transfer)) return INET_E_DOWNLOAD_FAILURE;
+    if (!Fetch(easy.get(), WideToUtf8(url), transfer)) return INET_E_DOWNLOAD_FAILURE;
     return transfer.file.Commit() ? S_OK : E_FAIL;
 }

@@ -10,7 +10,7 @@
 HMODULE LoadLibraryW(LPCWSTR name) {
     const std::wstring_view wide = name;
     const bool is_path = wide.find_first_of(L"/\\:") != std::wstring_view::npos;
-    const std::string file = is_path ? NativePath(wide) : Utf8FromWide(wide);
+    const std::string file = is_path ? NativePath(wide) : WideToUtf8(wide);
     // An empty name would give the program itself.
     void *const module = file.empty() ? nullptr : dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);

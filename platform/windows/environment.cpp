@@ -24,12 +24,12 @@ std::optional<std::string> WindowsVariable(const std::string &name) {
 }  // namespace
 
 DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) {
-    const std::optional<std::string> value = WindowsVariable(Utf8FromWide(name));
+    const std::optional<std::string> value = WindowsVariable(WideToUtf8(name));
     if (!value) {
         SetLastError(ERROR_ENVVAR_NOT_FOUND);
         return 0;
     }
-    const std::wstring wide = WideFromUtf8(*value);
+    const std::wstring wide = Utf8ToWide(*value);
     if (buffer == nullptr || wide.size() >= size) return static_cast<DWORD>(wide.size() + 1);
     wide.copy(buffer, wide.size());
     buffer[wide.size()] = L'\0';

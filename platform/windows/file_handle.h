@@ -14,7 +14,7 @@ class FileHandle {
   public:
     FileHandle() = default;
     FileHandle(const std::wstring &path, const wchar_t *mode) : file_(_wfopen(path.c_str(), mode)) {}
-    FileHandle(std::string_view utf8_path, const wchar_t *mode) : FileHandle(WideFromUtf8(utf8_path), mode) {}
+    FileHandle(std::string_view utf8_path, const wchar_t *mode) : FileHandle(Utf8ToWide(utf8_path), mode) {}
     FileHandle(FileHandle &&other) noexcept : file_(std::exchange(other.file_, nullptr)) {}
     FileHandle &operator=(FileHandle &&other) noexcept {
         std::swap(file_, other.file_);

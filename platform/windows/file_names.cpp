@@ -27,7 +27,7 @@ std::string ComposedName(std::string_view name) {
 }  // namespace
 
 std::wstring FoldName(std::string_view name) {
-    std::wstring folded = WideFromUtf8(name);
+    std::wstring folded = Utf8ToWide(name);
     std::transform(folded.begin(), folded.end(), folded.begin(), FoldCharacter);
     return folded;
 }

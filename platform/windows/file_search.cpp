@@ -56,7 +56,7 @@ std::optional<DWORD> ListedAttributes(const dirent &found) {
 
 // False also for an entry whose name has no room.
 bool FillEntry(const Search &search, const dirent &found, WIN32_FIND_DATAW &entry) {
-    const std::wstring wide = WideFromUtf8(found.d_name);
+    const std::wstring wide = Utf8ToWide(found.d_name);
     if (wide.size() >= MAX_PATH) return false;
     entry = {};
     const auto listed = search.level == FindExInfoBasic ? ListedAttributes(found) : std::nullopt;

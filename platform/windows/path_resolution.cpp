@@ -86,7 +86,7 @@ SpelledPath SpellNativePath(std::string_view windows_path) {
 }
 
 SpelledPath SpellNativePath(std::wstring_view windows_path) {
-    return SpellNativePath(Utf8FromWide(windows_path));
+    return SpellNativePath(WideToUtf8(windows_path));
 }
 
 std::string ResolveSpelling(const SpelledPath &spelled) {
@@ -123,5 +123,5 @@ std::string NativePath(std::string_view windows_path) {
 }
 
 std::string NativePath(std::wstring_view windows_path) {
-    return NativePath(Utf8FromWide(windows_path));
+    return NativePath(WideToUtf8(windows_path));
 }

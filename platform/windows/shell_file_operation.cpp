@@ -67,7 +67,7 @@ std::vector<std::string> ExpandSource(const std::wstring &path, FirstError &erro
     if (!IsFolder(folder)) error.Add(ERROR_PATH_NOT_FOUND);
     std::vector<std::string> entries;
     for (const WIN32_FIND_DATAW &entry : FolderSearch(path)) {
-        const std::string name = Utf8FromWide(entry.cFileName);
+        const std::string name = WideToUtf8(entry.cFileName);
         if (name != "." && name != "..") entries.push_back(folder + name);
     }
     return entries;

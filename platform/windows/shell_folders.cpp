@@ -56,7 +56,7 @@ HRESULT SHGetFolderPathW(HWND, int folder, HANDLE, DWORD, LPWSTR path) {
     if (path == nullptr) return E_INVALIDARG;
     *path = L'\0';
     if (folder != CSIDL_MYMUSIC) return E_INVALIDARG;
-    const std::wstring music = WideFromUtf8(MusicFolder());
+    const std::wstring music = Utf8ToWide(MusicFolder());
     if (music.empty() || music.size() >= MAX_PATH) return E_FAIL;
     music.copy(path, music.size());
     path[music.size()] = L'\0';

@@ -45,7 +45,7 @@ const char *CharsetOf(UINT code_page) {
 
 std::optional<std::wstring> ToWide(UINT code_page, std::string_view text, bool &complete) {
     if (code_page == CP_UTF8) {
-        std::wstring wide = WideFromUtf8(text);
+        std::wstring wide = Utf8ToWide(text);
         // No valid UTF-8 decodes to a surrogate: these stand for the bytes that are not.
         complete =
             std::none_of(wide.begin(), wide.end(), [](wchar_t c) { return c >= 0xDC80 && c <= 0xDCFF; });
@@ -77,7 +77,7 @@ int WideCharToMultiByte(UINT code_page, DWORD, LPCWCH text, int text_size, LPSTR
     if (code_page == CP_UTF8) {
         const bool has_default = default_character != nullptr || used_default_character != nullptr;
         return has_default ? FailedConversion(ERROR_INVALID_PARAMETER)
-                           : Deliver(Utf8FromWide(input), buffer, buffer_size);
+                           : Deliver(WideToUtf8(input), buffer, buffer_size);
     }
     const char *charset = CharsetOf(code_page);
     if (charset == nullptr) return FailedConversion(ERROR_INVALID_PARAMETER);

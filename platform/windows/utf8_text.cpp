@@ -83,7 +83,7 @@ char32_t JoinSurrogates(char32_t high, char32_t low) {
 
 }  // namespace
 
-std::wstring WideFromUtf8(std::string_view text) {
+std::wstring Utf8ToWide(std::string_view text) {
     std::wstring wide;
     wide.reserve(text.size());
     while (!text.empty()) {
@@ -94,7 +94,7 @@ std::wstring WideFromUtf8(std::string_view text) {
     return wide;
 }
 
-std::string Utf8FromWide(std::wstring_view text) {
+std::string WideToUtf8(std::wstring_view text) {
     std::string utf8;
     utf8.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {

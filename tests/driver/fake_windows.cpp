@@ -34,13 +34,13 @@ HWND GetForegroundWindow() {
 }
 
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
-    calls.push_back("find " + Utf8FromWide(class_name) + "/" + Utf8FromWide(title));
+    calls.push_back("find " + WideToUtf8(class_name) + "/" + WideToUtf8(title));
     const auto found = std::find(classes.begin(), classes.end(), class_name);
     return found == classes.end() ? nullptr : HandleOf(*found);
 }
 
 BOOL SetForegroundWindow(HWND window) {
-    calls.push_back("front " + Utf8FromWide(*reinterpret_cast<std::wstring *>(window)));
+    calls.push_back("front " + WideToUtf8(*reinterpret_cast<std::wstring *>(window)));
     return TRUE;
 }
 

@@ -76,7 +76,7 @@ struct AtomicFile::State {
 
 std::optional<AtomicFile> AtomicFile::Create(std::string_view windows_path) {
     auto state = std::make_unique<State>();
-    state->target = FollowLinks(WideFromUtf8(windows_path));
+    state->target = FollowLinks(Utf8ToWide(windows_path));
     if (state->target.empty() || !state->Open()) return std::nullopt;
     return AtomicFile(std::move(state));
 }

@@ -7,5 +7,5 @@ std::string NativePath(std::string_view windows_path) {
 }
 
 std::string NativePath(std::wstring_view windows_path) {
-    return NativePath(Utf8FromWide(windows_path));
+    return NativePath(WideToUtf8(windows_path));
 }

@@ -16,7 +16,7 @@ std::string NarrowFromWide(UINT code_page, std::wstring_view text) {
 
 }  // namespace
 
-std::wstring WideFromUtf8(std::string_view text) {
+std::wstring Utf8ToWide(std::string_view text) {
     const int size = static_cast<int>(text.size());
     std::wstring wide(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0)),
                       L'\0');
@@ -24,7 +24,7 @@ std::wstring WideFromUtf8(std::string_view text) {
     return wide;
 }
 
-std::string Utf8FromWide(std::wstring_view text) {
+std::string WideToUtf8(std::wstring_view text) {
     return NarrowFromWide(CP_UTF8, text);
 }
 

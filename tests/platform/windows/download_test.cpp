@@ -78,8 +78,8 @@ std::string Answer(const std::string &status, const std::string &headers, const 
 class Download : public testing::Test {
   protected:
     HRESULT Fetch(const std::string &url) const {
-        const std::wstring target = WideFromUtf8(folder_.path().string() + "\\ICON.jpg");
-        return URLDownloadToFileW(nullptr, WideFromUtf8(url).c_str(), target.c_str(), 0, nullptr);
+        const std::wstring target = Utf8ToWide(folder_.path().string() + "\\ICON.jpg");
+        return URLDownloadToFileW(nullptr, Utf8ToWide(url).c_str(), target.c_str(), 0, nullptr);
     }
 
     // Whether a failed download leaves both an empty folder and an old file as they were.

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 class FileCalls : public testing::Test {
   protected:
     std::wstring Path(const std::string &name) const {
-        return WideFromUtf8(folder_.path().string() + "\\" + name);
+        return Utf8ToWide(folder_.path().string() + "\\" + name);
     }
     bool Opens(const std::string &name, const wchar_t *mode) const {
         errno = 0;

@@ -19,13 +19,13 @@ namespace {
 namespace fs = std::filesystem;
 
 std::wstring Pattern(const TempFolder &folder, const std::string &pattern) {
-    return WideFromUtf8(folder.path().string() + "\\" + pattern);
+    return Utf8ToWide(folder.path().string() + "\\" + pattern);
 }
 
 std::multiset<std::string> Names(const TempFolder &folder, const std::string &pattern) {
     std::multiset<std::string> names;
     for (const WIN32_FIND_DATAW &entry : FolderSearch(Pattern(folder, pattern)))
-        names.insert(Utf8FromWide(entry.cFileName));
+        names.insert(WideToUtf8(entry.cFileName));
     return names;
 }
 
@@ -146,7 +146,7 @@ TEST(MatchesPattern, AgreesWithItsDefinition) {
     for (const std::wstring &pattern : Texts(4, L"a*?.")) {
         for (const std::wstring &name : names) {
             ASSERT_EQ(MatchesPattern(pattern, name), Fits(pattern, name))
-                << Utf8FromWide(pattern) << " on " << Utf8FromWide(name);
+                << WideToUtf8(pattern) << " on " << WideToUtf8(name);
         }
     }
 }

@@ -21,7 +21,7 @@ constexpr FILEOP_FLAGS kMoveFlags =
 constexpr FILEOP_FLAGS kDeleteFlags = FOF_SILENT | FOF_NOCONFIRMATION;
 
 std::wstring List(const std::string &path) {
-    return WideFromUtf8(path) + L'\0';
+    return Utf8ToWide(path) + L'\0';
 }
 
 int Move(const std::string &from, const fs::path &to, FILEOP_FLAGS flags = kMoveFlags) {

@@ -15,7 +15,7 @@ namespace {
 std::string Variable(const wchar_t *name) {
     std::array<wchar_t, 64> buffer;
     const DWORD size = GetEnvironmentVariableW(name, buffer.data(), static_cast<DWORD>(buffer.size()));
-    return Utf8FromWide({buffer.data(), size});
+    return WideToUtf8({buffer.data(), size});
 }
 
 TEST(Environment, SizesAsTheApi) {
@@ -24,7 +24,7 @@ TEST(Environment, SizesAsTheApi) {
     EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", nullptr, 0), 4U);
     EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", buffer.data(), 3), 4U);
     EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_VALUE", buffer.data(), 4), 3U);
-    EXPECT_EQ(Utf8FromWide(buffer.data()), "\xC3\xA9\xFFz");
+    EXPECT_EQ(WideToUtf8(buffer.data()), "\xC3\xA9\xFFz");
     EXPECT_EQ(GetEnvironmentVariableW(L"DRIVER_TEST_ABSENT", buffer.data(), 4), 0U);
     EXPECT_EQ(GetLastError(), ERROR_ENVVAR_NOT_FOUND);
 }
@@ -47,7 +47,7 @@ class MusicFolder : public testing::Test {
         std::array<wchar_t, MAX_PATH> path;
         const HRESULT result =
             SHGetFolderPathW(nullptr, CSIDL_MYMUSIC, nullptr, SHGFP_TYPE_CURRENT, path.data());
-        return result == S_OK ? Utf8FromWide(path.data()) : "failure";
+        return result == S_OK ? WideToUtf8(path.data()) : "failure";
     }
 
     TempFolder home_;
@@ -90,7 +90,7 @@ TEST(DynamicLibrary, LoadsByNameAndByPath) {
     const TempFolder folder;
     folder.Write("libm.so.6", "no library");
     for (const std::wstring &name : {std::wstring(L"MediaInfo-absent.dll"), std::wstring(),
-                                     WideFromUtf8(folder.path().string() + "\\libm.so.6")}) {
+                                     Utf8ToWide(folder.path().string() + "\\libm.so.6")}) {
         EXPECT_EQ(LoadLibraryW(name.c_str()), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     }

@@ -49,20 +49,20 @@ std::wstring ReferenceWide(const std::string &text) {
 TEST(Utf8Text, EveryShortTextDecodesAsTheReferenceAndComesBack) {
     int failures = 0;
     ForEachByteText(4, [&failures](const std::string &text) {
-        const std::wstring wide = WideFromUtf8(text);
-        if (wide != ReferenceWide(text) || Utf8FromWide(wide) != text) ++failures;
+        const std::wstring wide = Utf8ToWide(text);
+        if (wide != ReferenceWide(text) || WideToUtf8(wide) != text) ++failures;
     });
     EXPECT_EQ(failures, 0);
 }
 
 TEST(Utf8Text, SurrogatesOfWideText) {
-    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, 0xDC80}), "\xF0\x9F\x92\x80");
-    EXPECT_EQ(Utf8FromWide(std::wstring{0xD83D, L'a'}),
+    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
+    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, 0xDC80}), "\xF0\x9F\x92\x80");
+    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, L'a'}),
               "\xEF\xBF\xBD"
               "a");
-    EXPECT_EQ(Utf8FromWide(std::wstring{0xDE00}), "\xEF\xBF\xBD");
-    EXPECT_EQ(Utf8FromWide(std::wstring{static_cast<wchar_t>(0x110000)}), "\xEF\xBF\xBD");
+    EXPECT_EQ(WideToUtf8(std::wstring{0xDE00}), "\xEF\xBF\xBD");
+    EXPECT_EQ(WideToUtf8(std::wstring{static_cast<wchar_t>(0x110000)}), "\xEF\xBF\xBD");
 }
 
 TEST(TextConversion, SizesAndTerminators) {
