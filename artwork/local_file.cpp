@@ -95,7 +95,7 @@ DriverPath *ReadFile(DriverPath *root, const std::string &path, const std::optio
 
 int32_t ImportLocalFile(LibraryDriver *driver, const std::string &path) {
     const auto stamp = StampOfFile(path);
-    if (!stamp && _waccess(Utf8ToWide(path).c_str(), 0) != 0) return -1;
+    if (!stamp && !PathExists(path)) return -1;
     DriverPath *root = FindCategory(driver, path);
     if (root == nullptr) return -1;
     const std::string_view extension = ExtensionOfPath(path);

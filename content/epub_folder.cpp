@@ -3,17 +3,13 @@
 #include <string_view>
 
 #include "content/epub_document.h"
+#include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
 
 constexpr std::string_view kSeparators = "\\/";
-
-bool IsThere(const std::string &path) {
-    constexpr int kExistence = 0;
-    return _waccess(Utf8ToWide(path).c_str(), kExistence) == 0;
-}
 
 // One backslash between the two, however many separators there are.
 std::string JoinPath(std::string_view folder, std::string_view name) {
@@ -52,7 +48,7 @@ std::optional<std::string> CoverOfPackage(const std::string &location, const std
     const std::optional<CoverItem> item = FindCoverItem(JoinPath(location, package));
     if (!item) return std::nullopt;
     const std::optional<std::string> cover = FullPath(location, package, item->href);
-    if (!cover || !IsCoverPage(*item) || !IsThere(*cover)) return cover;
+    if (!cover || !IsCoverPage(*item) || !PathExists(*cover)) return cover;
     const std::optional<std::string> image = ReadCoverPageImage(*cover);
     return image ? FullPath(location, package, *image) : std::nullopt;
 }
@@ -60,17 +56,17 @@ std::optional<std::string> CoverOfPackage(const std::string &location, const std
 // The path of the package document below the book, where there is such a file.
 std::optional<std::string> FindPackage(const std::string &location) {
     const std::string container = JoinPath(JoinPath(location, "META-INF"), "container.xml");
-    std::optional<std::string> package = IsThere(container) ? ReadRootFilePath(container) : std::nullopt;
+    std::optional<std::string> package = PathExists(container) ? ReadRootFilePath(container) : std::nullopt;
     if (!package || !StaysInside(*package)) return std::nullopt;
     ReplaceChar(*package, '/', '\\');
-    return IsThere(JoinPath(location, *package)) ? package : std::nullopt;
+    return PathExists(JoinPath(location, *package)) ? package : std::nullopt;
 }
 
 }  // namespace
 
 std::optional<std::string> ReadEpubFolder(const std::string &location, VelmarAttribute *attributes) {
     std::optional<std::string> cover = JoinPath(location, "iTunesArtwork");
-    if (!IsThere(*cover)) cover.reset();
+    if (!PathExists(*cover)) cover.reset();
     const std::optional<std::string> package = FindPackage(location);
     if (!package) return cover;
     if (attributes != nullptr) ReadPackageMetadata(attributes, JoinPath(location, *package));

@@ -12,6 +12,11 @@ constexpr int64_t kSettledSeconds = 3;
 
 }  // namespace
 
+bool PathExists(const std::string &path) {
+    constexpr int kExistence = 0;
+    return _waccess(Utf8ToWide(path).c_str(), kExistence) == 0;
+}
+
 std::optional<FileStamp> StampOfFile(const std::string &path) {
     struct _stat64 status = {};
     if (_wstat64(Utf8ToWide(path).c_str(), &status) != 0) return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "content/zip_extract.h"
 #include "content/zip_write.h"
@@ -10,10 +11,6 @@
 #include "platform/windows/windows_api.h"
 
 namespace {
-
-bool FileExists(const std::string &path) {
-    return _waccess(Utf8ToWide(path).c_str(), 0) == 0;
-}
 
 int64_t ToNumber(std::string_view text) {
     int64_t number = 0;
@@ -42,8 +39,8 @@ void TakeSizeOf(DriverPath *path, const std::string &file) {
 // when there is no icon to be had.
 std::string IconFile(DriverPath *path, const std::string &location, const std::string &icon) {
     const std::string cache = BuildTempPath(std::nullopt, FileNameOfPath(location)) + ".jpg";
-    if (!FileExists(cache)) FetchIcon(path, location, icon, cache);
-    if (!FileExists(cache)) return location;
+    if (!PathExists(cache)) FetchIcon(path, location, icon, cache);
+    if (!PathExists(cache)) return location;
     TakeSizeOf(path, cache);
     return cache;
 }
