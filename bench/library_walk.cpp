@@ -1,10 +1,8 @@
 #include "bench/library_walk.h"
 
-#include <stdexcept>
+#include <utility>
 
-void Require(bool condition, const char *what) {
-    if (!condition) throw std::runtime_error(what);
-}
+#include "bench/measure.h"
 
 LoadedLibrary::LoadedLibrary(const LibraryPlace &place) {
     const ScopedEnvironmentValues environment(place.environment);
@@ -40,6 +38,27 @@ std::string LoadedLibrary::Attribute(const std::string &path, const char *key) c
     std::string text = value;
     CloseDriverPath(node);
     return text;
+}
+
+std::size_t LoadedLibrary::WalkAll() const {
+    std::vector<std::string> waiting{""};
+    std::size_t count = 0;
+    while (!waiting.empty()) {
+        const std::string path = std::move(waiting.back());
+        waiting.pop_back();
+        ++count;
+        DriverPath *node = nullptr;
+        DriverPathInfo info{};
+        Require(OpenDriverPath(driver_, 0, path.c_str(), &node) == 0, "a path cannot be opened");
+        Require(GetDriverPathInfo(node, &info) == 0, "a node says nothing");
+        for (int32_t i = GetVelmarArraySize(info.names) - 1; i >= 0; --i) {
+            void *name = nullptr;
+            GetVelmarArrayItem(info.names, i, &name);
+            waiting.push_back((path.empty() ? path : path + "/") + static_cast<const char *>(name));
+        }
+        CloseDriverPath(node);
+    }
+    return count;
 }
 
 void LoadedLibrary::Open(const std::string &path) const {

@@ -21,12 +21,12 @@ class LoadedLibrary {
     std::string Attribute(const std::string &path, const char *key) const;
     // Opens and closes a path.
     void Open(const std::string &path) const;
+    // Opens each path of the tree by its text, asks what it has to say, and closes it. Gives their number.
+    std::size_t WalkAll() const;
+    LibraryDriver *driver() const { return driver_; }
 
   private:
     LibraryDriver *driver_ = nullptr;
 };
-
-// Throws std::runtime_error with the text unless the condition holds.
-void Require(bool condition, const char *what);
 
 #endif

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <fstream>
 #include <iostream>
 #include <stdexcept>
 
@@ -18,19 +19,30 @@ double PeakBytes() {
     return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
-Cost Measure(const std::function<void()> &work) {
-    const double before = PeakBytes();
+double ResidentBytes() {
+    double total_pages = 0;
+    double resident_pages = 0;
+    std::ifstream("/proc/self/statm") >> total_pages >> resident_pages;
+    return resident_pages * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+Cost Measure(const std::function<void()> &work, const std::function<void()> &release) {
+    const double peak_before = PeakBytes();
+    const double held_before = ResidentBytes();
     Cost cost;
     cost.seconds = Seconds(work);
-    cost.peak_bytes = PeakBytes() - before;
+    cost.peak_bytes = PeakBytes() - peak_before;
+    cost.held_bytes = ResidentBytes() - held_before;
+    if (release) cost.release_seconds = Seconds(release);
     return cost;
 }
 
 // The child's end: measures, reports through the pipe, and leaves without running the parent's destructors.
-[[noreturn]] void RunChild(int report, const std::function<void()> &work) {
+[[noreturn]] void RunChild(int report, const std::function<void()> &work,
+                           const std::function<void()> &release) {
     int status = 1;
     try {
-        const Cost cost = Measure(work);
+        const Cost cost = Measure(work, release);
         if (write(report, &cost, sizeof cost) == static_cast<ssize_t>(sizeof cost)) status = 0;
     } catch (const std::exception &error) {
         std::fprintf(stderr, "%s\n", error.what());
@@ -40,17 +52,21 @@ Cost Measure(const std::function<void()> &work) {
 
 }  // namespace
 
+void Require(bool condition, const char *what) {
+    if (!condition) throw std::runtime_error(what);
+}
+
 double Seconds(const std::function<void()> &work) {
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-Cost MeasureInChild(const std::function<void()> &work) {
+Cost MeasureInChild(const std::function<void()> &work, const std::function<void()> &release) {
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
     const pid_t child = fork();
-    if (child == 0) RunChild(ends[1], work);
+    if (child == 0) RunChild(ends[1], work, release);
     close(ends[1]);
     Cost cost;
     const ssize_t count = child < 0 ? -1 : read(ends[0], &cost, sizeof cost);
@@ -84,7 +100,9 @@ std::string Ratio(const Series &first, const Series &second) {
 
 void Costs::Add(const Cost &cost) {
     seconds.Add(cost.seconds);
+    release_seconds.Add(cost.release_seconds);
     peak_bytes.Add(cost.peak_bytes);
+    held_bytes.Add(cost.held_bytes);
 }
 
 void PrintCosts(const std::string &what, const std::string &names, const Costs &first, const Costs &second) {

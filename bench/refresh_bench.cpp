@@ -2,7 +2,6 @@
 
 #include <exception>
 #include <iostream>
-#include <stdexcept>
 #include <string>
 
 #include "bench/measure.h"
@@ -18,10 +17,6 @@ namespace {
 constexpr int kRounds = 5;
 constexpr int kTracks = 100000;
 constexpr int kNewTracks = kTracks / 10;
-
-void Require(bool condition, const char *what) {
-    if (!condition) throw std::runtime_error(what);
-}
 
 void Run() {
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);

@@ -1,5 +1,6 @@
 // Loading a library whose add folder holds thousands of mp3 files, against TagLib alone, which reads the tag
-// and the audio properties of each file once. In turns, each time in a process of its own.
+// and the audio properties of each file once; and a second scan of the same files against the first. In
+// turns, each time in a process of its own.
 
 #include <fileref.h>
 #include <tag.h>
@@ -11,10 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "bench/library_walk.h"
 #include "bench/measure.h"
+#include "driver/driver_path.h"
+#include "driver/library_driver.h"
+#include "driver/rescan.h"
 #include "tests/support/artwork_file.h"
 #include "tests/support/generated_library.h"
+#include "tests/support/library_place.h"
 #include "tests/support/media_files.h"
 #include "tests/support/temp_folder.h"
 
@@ -57,27 +61,39 @@ void ReadWithTagLib(const std::vector<fs::path> &files) {
     Require(total > 0, "TagLib has read nothing");
 }
 
+int32_t MusicCount(const LibraryDriver &driver) {
+    return ChildCount(FindChild(GetLibraryRoot(&driver), "music"));
+}
+
 void Run() {
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);
     const TempFolder home;
     const LibraryPlace place = MakeLibraryPlace(home.path());
     GenerateLibrary(place.library_xml, {.tracks = 1});
     const std::vector<fs::path> files = WriteFiles(place.add_folder);
+    const ScopedEnvironmentValues environment(place.environment);
 
     Series scan;
+    Series rescan;
     Series taglib;
     for (int round = -1; round < kRounds; ++round) {
-        const Cost scan_cost = MeasureInChild([&] {
-            const LoadedLibrary library(place);
-            Require(library.MusicPaths().size() == kFiles + 1, "the scan has not found the files");
-        });
-        const Cost taglib_cost = MeasureInChild([&] { ReadWithTagLib(files); });
+        LibraryDriver driver;
+        const double scan_seconds =
+            Seconds([&] { Require(CreateLibrary(&driver) == 0, "the library cannot be loaded"); });
+        Require(MusicCount(driver) == kFiles + 1, "the scan has not found the files");
+        const double rescan_seconds = Seconds([&] { RescanLocalFolders(&driver); });
+        Require(MusicCount(driver) == kFiles + 1, "the second scan has lost files");
+        DestroyLibrary(&driver);
+        const double taglib_seconds = Seconds([&] { ReadWithTagLib(files); });
         if (round < 0) continue;
-        scan.Add(scan_cost.seconds);
-        taglib.Add(taglib_cost.seconds);
+        scan.Add(scan_seconds);
+        rescan.Add(rescan_seconds);
+        taglib.Add(taglib_seconds);
     }
     std::cout << "mp3 files: scan / TagLib alone = " << Ratio(scan, taglib) << "   " << scan.Text(1e3, "ms")
-              << " / " << taglib.Text(1e3, "ms") << " for " << kFiles << " files\n";
+              << " / " << taglib.Text(1e3, "ms") << " for " << kFiles << " files\n"
+              << "unchanged mp3 files: second scan / first = " << Ratio(rescan, scan) << "   "
+              << rescan.Text(1e3, "ms") << "\n";
 }
 
 }  // namespace
