@@ -58,6 +58,13 @@ void ReleaseLooseTracks(LibraryDriver *driver) {
     }
 }
 
+// The tree holds all that it wants of the library's list, which is as large as the tree. What stays of it
+// tells that there was one.
+void ReleaseListContent(LibraryDriver *driver) {
+    if (driver->library_plist == nullptr) return;
+    driver->library_plist.reset(CFDictionaryCreateMutable(kCFAllocatorDefault, 0, nullptr, nullptr));
+}
+
 }  // namespace
 
 LibraryDriver::LibraryDriver() = default;
@@ -78,6 +85,7 @@ int32_t CreateLibrary(LibraryDriver *driver) {
         return loaded;
     }
     LoadPlaylists(driver);
+    ReleaseListContent(driver);
     RescanLocalFolders(driver);
     IndexCategoryRoots(driver);
     return 0;

@@ -24,7 +24,8 @@ constexpr int32_t kFirstScannedId = 5000000;
 struct LibraryDriver {
     DriverStartupCallback host_callback = nullptr;
     void *host_context = nullptr;
-    CFOwner library_plist;              // root of the library XML file; null when the .itl file is the source
+    // Root of the library XML file, empty once the library is loaded; null when the .itl file is the source.
+    CFOwner library_plist;
     std::unique_ptr<ITLParser> parser;  // null when the XML file is the source
     // The media folder at first, then the folder "Automatically Add to iTunes" in it.
     std::optional<std::string> add_folder;
