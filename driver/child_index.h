@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/memory/large_pages.h"
-
 struct DriverPath;
 
 // Finds the children of one parent by name. A name of a list is short and stands in the index, beside the
@@ -48,7 +46,7 @@ class ChildIndex {
     size_t SlotOf(const DriverPath &parent, const Key &key) const;
     void Resize(size_t count);
 
-    std::vector<Slot, LargePageAllocator<Slot>> slots_;  // a power of two, at most seven eighths full
+    std::vector<Slot> slots_;  // a power of two, at most seven eighths full
     size_t used_ = 0;
 };
 

@@ -7,8 +7,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/memory/large_pages.h"
-
 struct DriverPath;
 
 // Finds paths by a number that is theirs for good.
@@ -45,7 +43,7 @@ class NumberIndex {
     void Grow();
 
     // A power of two, at most seven eighths full: every number of a list is there as a rule.
-    std::vector<Slot, LargePageAllocator<Slot>> slots_;
+    std::vector<Slot> slots_;
     size_t used_ = 0;
 };
 

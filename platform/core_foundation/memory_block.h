@@ -7,8 +7,6 @@
 
 namespace core_foundation {
 
-// Large blocks come in huge pages where the system has them: a library is a few hundred megabytes that are
-// written once and read once, and without them the page faults cost as much as the parse.
 class MemoryBlock {
   public:
     MemoryBlock() = default;

@@ -1,7 +1,5 @@
 #include "platform/memory/pool.h"
 
-#include <sys/mman.h>
-
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -12,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/memory/pages.h"
+
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -20,13 +20,15 @@ constexpr bool kPooled = false;  // so that the checker sees each piece by itsel
 constexpr bool kPooled = true;
 #endif
 
-constexpr size_t kSlabBytes = size_t{2} << 20;  // one large page
+constexpr size_t kSlabBytes = size_t{2} << 20;
 constexpr size_t kStep = alignof(std::max_align_t);
 constexpr size_t kLargestPiece = 4096;
 
 struct SlabDeleter {
-    void operator()(std::byte *slab) const { ::operator delete (slab, std::align_val_t{kSlabBytes}); }
+    void operator()(std::byte *slab) const { UnmapPages(slab, kSlabBytes); }
 };
+
+using Slab = std::unique_ptr<std::byte[], SlabDeleter>;
 
 // Held for a few instructions, hundreds of thousands of times in a load, and hardly ever waited for.
 class SpinLock {
@@ -80,15 +82,14 @@ class Pool {
     }
 
     void AddSlab() {
-        slabs_.emplace_back(
-            static_cast<std::byte *>(::operator new (kSlabBytes, std::align_val_t{kSlabBytes})));
-        // Small pages do as well, if there are no large ones.
-        madvise(slabs_.back().get(), kSlabBytes, MADV_HUGEPAGE);
+        Slab slab(static_cast<std::byte *>(MapPages(kSlabBytes)));
+        if (!slab) throw std::bad_alloc();
+        slabs_.push_back(std::move(slab));
         room_ = kSlabBytes;
     }
 
     SpinLock mutex_;
-    std::vector<std::unique_ptr<std::byte[], SlabDeleter>> slabs_;
+    std::vector<Slab> slabs_;
     size_t room_ = 0;  // of the last slab, at its front
     std::array<FreePiece *, kLargestPiece / kStep + 1> free_ = {};
     size_t count_ = 0;

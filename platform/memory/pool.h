@@ -4,7 +4,7 @@
 #include <cstddef>
 
 // Memory for the nodes and containers of a tree. A large library has hundreds of thousands of them, made at
-// one time and released at one time; the pool takes its memory from the system in large pages, and gives all
+// one time and released at one time; the pool takes its memory from the system in large slabs, and gives all
 // of it back when the last piece is returned. Any thread may call. Each library that links this has a pool of
 // its own.
 
