@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
 }
 
 std::vector<std::string> FuzzSeeds() {
-    return {Input(kUsualFormat, "2009-03-21"), Input("%Y-%m-%dT%H:%M:%SZ", "2009-03-21T10:11:12Z"),
+    return {Input(kUsualFormat, "2009-03-21"), Input("%Y-%m-%dT%H:%M:%S%z", "2009-03-21T10:11:12+01:00"),
             Input("%A, %d %B %y %I:%M %p", "Saturday, 21 March 09 10:11 pm"),
             Input("%D %R %T %r %x %C %j %u %w", "03/21/09 10:11 10:11:12 10:11:12 am 2009:03:21 20 80 6 6"),
             Input("%a %b %e %k %l%n%t%%%z %Eh %OH", "Sat Mar 21 10 11\n\t%% Mar 12")};

@@ -142,9 +142,7 @@ class Session {
         void *name = nullptr;
         GetVelmarArrayItem(info.names, static_cast<int32_t>(choices_.Below(static_cast<size_t>(count))),
                            &name);
-        std::string text = above.text;
-        if (name != nullptr) text.append(text.empty() ? "" : "/").append(static_cast<const char *>(name));
-        return text;
+        return name == nullptr ? above.text : ChildPath(above.text, static_cast<const char *>(name));
     }
 
     void Open() {

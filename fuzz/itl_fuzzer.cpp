@@ -1,10 +1,10 @@
-// Reads an input as "iTunes Library.itl". The first byte says what it is:
+// Reads an input as "iTunes Library.itl". One that begins as such a file does is taken as it is. Of any other
+// the first byte says what follows:
 //
-//   0  a whole file
-//   1  a body, behind the number of a version's form and a number of sections; it is compressed and encrypted
+//   0  a body, behind the number of a version's form and a number of sections; it is compressed and encrypted
 //   as
 //      that version does
-//   2  decisions, of which a library is built, record by record, in the form of some version, and then
+//   1  decisions, of which a library is built, record by record, in the form of some version, and then
 //   damaged a
 //      little
 //
@@ -22,7 +22,9 @@ namespace {
 
 using itl_parser::LibraryContent;
 
-enum Shape : char { kFile = 0, kBody = 1, kRecords = 2, kShapes = 3 };
+enum Shape : char { kBody = 0, kRecords = 1, kShapes = 2 };
+
+constexpr std::string_view kFileStart = "hdfm";
 
 void Read(std::string_view bytes) {
     LibraryContent content;
@@ -128,16 +130,14 @@ std::string BuiltFile(Choices &choices) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    Choices choices(AsText(data, size));
-    switch (choices.Below(kShapes)) {
-        case kFile:
-            Read(choices.Rest());
-            break;
-        case kBody:
-            Read(FileAround(choices));
-            break;
-        default:
-            Read(BuiltFile(choices));
+    const std::string_view input = AsText(data, size);
+    Choices choices(input);
+    if (input.starts_with(kFileStart)) {
+        Read(input);
+    } else if (choices.Below(kShapes) == kBody) {
+        Read(FileAround(choices));
+    } else {
+        Read(BuiltFile(choices));
     }
     return 0;
 }
@@ -151,7 +151,7 @@ std::vector<std::string> FuzzSeeds() {
             {.id = 7, .texts = {{kItlName, "Fjäll", {}}, {kItlLocation, "file://localhost/C:/a.mp3", {}}}});
         file.AddPlaylist({.name = "List", .kind = 4, .id = 9, .smart_info = "settings", .items = {7}});
         file.AddAlbum(1, 40);
-        seeds.push_back('\0' + file.Bytes());
+        seeds.push_back(file.Bytes());
         std::string body;
         for (const std::string &section : file.Sections())
             body += section;

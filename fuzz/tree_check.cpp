@@ -67,8 +67,7 @@ void CheckChildren(LibraryDriver *driver, const std::string &path, const DriverP
         const std::string name = item == nullptr ? "" : static_cast<const char *>(item);
         // Such a name is there for the host to see and not to open.
         if (name.empty() || name.find('/') != std::string::npos) continue;
-        std::string child_path = path;
-        child_path.append(path.empty() ? "" : "/").append(name);
+        const std::string child_path = ChildPath(path, name);
         DriverPath *child = nullptr;
         Require(OpenDriverPath(driver, 0, child_path.c_str(), &child) == 0, "a name that is listed opens");
         CheckNode(driver, child_path, child, depth + 1);
@@ -87,6 +86,11 @@ void CheckNode(LibraryDriver *driver, const std::string &path, DriverPath *node,
 }
 
 }  // namespace
+
+std::string ChildPath(const std::string &path, const std::string &name) {
+    const bool is_folder = path.empty() || path.ends_with('/');
+    return path + (is_folder ? "" : "/") + name;
+}
 
 void CheckTree(LibraryDriver *driver, const std::string &path) {
     DriverPath *node = nullptr;
