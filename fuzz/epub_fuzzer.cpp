@@ -9,9 +9,11 @@
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "fuzz/work_folder.h"
+#include "tests/content/epub_files.h"
 #include "tests/driver/tree_fixture.h"
 #include "tests/support/archive_files.h"
 #include "tests/support/preference_file.h"
+#include "tests/support/zip_builder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static WorkFolder work;
@@ -39,7 +41,12 @@ std::vector<std::string> FuzzSeeds() {
                            .subject = "Subject",
                            .publisher = "Publisher",
                            .date = "2009-03-21T10:11:12Z"};
-    std::vector<std::string> seeds;
+    // A cover that would lie outside of the temporary folder.
+    const std::string outside = "../../cover.png";
+    std::vector<std::string> seeds = {
+        BuildZip({StoredEntry("META-INF/container.xml", Container("p.opf")),
+                  StoredEntry("p.opf", Package("<x/>", CoverItemXml(outside, "image/png"))),
+                  StoredEntry(outside, "picture")})};
     for (const BookCover cover : {BookCover::kNone, BookCover::kImage, BookCover::kPage}) {
         seeds.push_back(EpubFile(text, cover));
         seeds.push_back(MembersInput(seeds.back()));
