@@ -80,7 +80,7 @@ void MutateFrame(TaggedFile &file, std::minstd_rand &random) {
             break;
         case 2:
             file.frames.push_back(Frame(frame));
-            break;
+            return;
         case 3:
             file.version = Mutated(file.version, 0);
             break;
