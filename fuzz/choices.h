@@ -38,7 +38,7 @@ class Choices {
         return byte;
     }
     std::string Take(size_t size) {
-        const std::string text(rest_.substr(0, size));
+        std::string text(rest_.substr(0, size));
         rest_.remove_prefix(text.size());
         return text;
     }

@@ -127,9 +127,10 @@ std::vector<std::string> FuzzSeeds() {
                             .year = 2004,
                             .track = 1,
                             .picture = PngPicture(4)};
+    const std::string compressed = "\x78\x9C\x03" + Zeros(4) + "\1";
     const std::string frames = Id3Text("TIT2", "T\xE9t") + Id3Text("TRCK", "3/7") + PictureFrame("") +
                                PictureFrame("picture") + Id3Frame("CHAP", "chapter" + Zeros(17)) +
-                               Id3Frame("TPE1", BigEndian(4) + "\x78\x9C\x03\0\0\0\0\1", "\0\x80");
+                               Id3Frame("TPE1", BigEndian(4) + compressed, Zeros(1) + "\x80");
     return {Mp3File(1, tags), Id3Tag(frames) + SilentSound(0),
             "ID3\4" + Zeros(2) + SynchSafe(frames.size()) + frames, SilentSound(1) + "TAG" + Zeros(125),
             "x" + Id3Tag(frames)};

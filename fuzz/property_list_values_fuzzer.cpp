@@ -26,7 +26,7 @@ enum class Kinds { kAll, kOldStyle };
 
 // What is not UTF-8 stands for its Latin-1 letters, since only UTF-8 can be kept exactly in every form.
 std::string ChooseText(Choices &choices) {
-    const std::string bytes = choices.Text();
+    std::string bytes = choices.Text();
     if (core_foundation::IsUtf8(bytes)) return bytes;
     std::string text;
     for (const char byte : bytes) {
