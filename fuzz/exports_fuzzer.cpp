@@ -86,6 +86,15 @@ struct HostSide {
     }
 };
 
+// The driver's own files lie in two folders; the others are those that the input wrote.
+std::set<fs::path> FilesOutside(const LibraryPlace &place) {
+    std::set<fs::path> files;
+    for (const fs::path &file : FilesBelow(place.home)) {
+        if (!LiesIn(file, place.add_folder) && !LiesIn(file, place.home / "Temp")) files.insert(file);
+    }
+    return files;
+}
+
 class Session {
   public:
     Session(const LibraryPlace &place, Choices &choices) : place_(place), choices_(choices) {
@@ -103,16 +112,20 @@ class Session {
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    // True if the step was a change of files by others than the driver.
-    bool Step() {
+    void Step() {
         using Action = void (Session::*)();
         constexpr Action kActions[] = {&Session::Open,        &Session::Open,       &Session::Close,
                                        &Session::Look,        &Session::OpenStream, &Session::UseStream,
                                        &Session::CloseStream, &Session::Copy,       &Session::Copy,
                                        &Session::Finish,      &Session::Change,     &Session::Walk};
-        const Action action = kActions[choices_.Below(std::size(kActions))];
-        (this->*action)();
-        return action == &Session::Change;
+        (this->*kActions[choices_.Below(std::size(kActions))])();
+    }
+
+    // A copied application has older ones deleted, wherever they lie.
+    void CheckFiles() const {
+        const std::set<fs::path> files = FilesOutside(place_);
+        Require(std::includes(files_.begin(), files_.end(), files.begin(), files.end()),
+                "files are made in the add folder and in the temporary folder alone");
     }
 
   private:
@@ -230,12 +243,15 @@ class Session {
 
     void Finish() { Require(FinishPathCopy(driver_, 0) == 0, "a batch ends"); }
 
+    // Others than the driver change files.
     void Change() {
+        CheckFiles();
         if (choices_.Below(4) == 3) {
             WriteChosenLibrary(place_, choices_);
         } else {
             ChangeMediaFile(place_, choices_);
         }
+        files_ = FilesOutside(place_);
     }
 
     void Walk() { CheckTree(driver_, ChoosePath()); }
@@ -245,16 +261,8 @@ class Session {
     LibraryDriver *driver_ = nullptr;
     std::vector<OpenPath> open_;
     std::vector<DriverStream *> streams_;
+    std::set<fs::path> files_ = FilesOutside(place_);
 };
-
-// The driver's own files lie in two folders; the others are those that the input wrote.
-std::set<fs::path> FilesOutside(const LibraryPlace &place) {
-    std::set<fs::path> files;
-    for (const fs::path &file : FilesBelow(place.home)) {
-        if (!LiesIn(file, place.add_folder) && !LiesIn(file, place.home / "Temp")) files.insert(file);
-    }
-    return files;
-}
 
 }  // namespace
 
@@ -271,15 +279,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     const size_t open_files = OpenFiles();
     {
         Session session(place, choices);
-        std::set<fs::path> files = FilesOutside(place);
-        for (int steps = 0; steps < kMostSteps && !choices.AtEnd(); ++steps) {
-            const bool is_change = session.Step();
-            const std::set<fs::path> after = FilesOutside(place);
-            // A copied application has older ones deleted.
-            Require(is_change || std::includes(files.begin(), files.end(), after.begin(), after.end()),
-                    "files are made in the add folder and in the temporary folder alone");
-            files = after;
-        }
+        for (int steps = 0; steps < kMostSteps && !choices.AtEnd(); ++steps)
+            session.Step();
+        session.CheckFiles();
     }
     Require(OpenFiles() == open_files, "every file is closed");
     return 0;
