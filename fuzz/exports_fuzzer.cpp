@@ -146,7 +146,8 @@ class Session {
                                           "playlist",
                                           "genius"};
         const size_t kind = choices_.Below(8);
-        if (kind == 7) return choices_.Text();
+        // As the driver sees it, which is up to the first zero byte.
+        if (kind == 7) return choices_.Text().c_str();
         if (kind > 4 || open_.empty()) return kUsual[choices_.Below(std::size(kUsual))];
         const OpenPath &above = open_[choices_.Below(open_.size())];
         DriverPathInfo info = {};
