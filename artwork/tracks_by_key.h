@@ -21,11 +21,7 @@ class TracksByKey {
 
     // Hands every track with the key to `use`.
     template <typename Use>
-    void ForEach(std::string_view key, const Use &use) const {
-        const auto first = index_.Find(HashOf(key), Same(key));
-        for (uint32_t next = first ? *first + 1 : 0; next != 0; next = entries_[next - 1].next)
-            use(entries_[next - 1].track);
-    }
+    void ForEach(std::string_view key, const Use &use) const;
 
   private:
     struct Entry {
@@ -43,5 +39,12 @@ class TracksByKey {
     std::vector<Entry> entries_;
     TextIndex index_;
 };
+
+template <typename Use>
+void TracksByKey::ForEach(std::string_view key, const Use &use) const {
+    const auto first = index_.Find(HashOf(key), Same(key));
+    for (uint32_t next = first ? *first + 1 : 0; next != 0; next = entries_[next - 1].next)
+        use(entries_[next - 1].track);
+}
 
 #endif

@@ -4,6 +4,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # GCC 12 finds overlaps in any inlined `"x" + std::string` (its bug 105651).
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # GCC has the form of delete that is told the size by default.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fsized-deallocation>)
+endif()
 
 if(DRIVER_SANITIZERS)
   add_compile_options(-fsanitize=${DRIVER_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)

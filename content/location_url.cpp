@@ -40,8 +40,9 @@ std::string LocationUrlToPath(std::string_view url) {
 
 std::string_view LocationUrlToPath(std::string_view url, std::string &room) {
     std::string_view rest = WithoutPrefix(url);
-    if (room.size() <= rest.size()) room.resize(rest.size() + 1);
-    // What is written never overtakes what is read, so the URL may lie in the room itself.
+    // A URL that lies in the room itself must not move; the NUL has its place behind the room.
+    if (room.size() < rest.size()) room.resize(rest.size());
+    // What is written never overtakes what is read.
     char *out = room.data();
     while (!rest.empty()) {
         const size_t plain = std::min(rest.find('%'), rest.size());

@@ -17,8 +17,14 @@ constexpr size_t kReadBlockBytes = 64 << 10;
 constexpr size_t kMaxPatternBytes = 4096;
 constexpr std::string_view kMatchLimit = "(*LIMIT_MATCH=10000)";
 
+bool IsUtf8(const std::string &text) {
+    return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
+// GLib takes a pattern for UTF-8 without a look, and then reads beyond its end. One that is not could match
+// no name either.
 GRegexOwner CompilePattern(const std::string &pattern) {
-    if (pattern.size() > kMaxPatternBytes) return nullptr;
+    if (pattern.size() > kMaxPatternBytes || !IsUtf8(pattern)) return nullptr;
     const std::string limited = std::string(kMatchLimit) + pattern;
     return GRegexOwner(g_regex_new(limited.c_str(), G_REGEX_CASELESS, GRegexMatchFlags(0), nullptr));
 }
@@ -27,8 +33,8 @@ enum class Match { kYes, kNo, kTooCostly };
 
 // GLib refuses text that is not UTF-8: such a name matches nothing.
 Match MatchName(const GRegex *regex, const std::string &name) {
+    if (!IsUtf8(name)) return Match::kNo;
     const auto size = static_cast<gssize>(name.size());
-    if (g_utf8_validate(name.c_str(), size, nullptr) == FALSE) return Match::kNo;
     GError *failure = nullptr;
     const bool matches =
         g_regex_match_full(regex, name.c_str(), size, 0, G_REGEX_MATCH_ANCHORED, nullptr, &failure) != FALSE;

@@ -20,8 +20,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace core_foundation {
+
+// What tells this form from the others, without the version's last digit.
+inline constexpr std::string_view kBinaryMagic = "bplist0";
 
 enum BinaryMarker : uint8_t {
     kFalseMarker = 0x08,

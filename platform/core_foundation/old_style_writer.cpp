@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "platform/core_foundation/binary_format.h"
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/tree_walk.h"
 #include "platform/core_foundation/writer.h"
@@ -10,12 +11,14 @@ namespace {
 
 constexpr size_t kIndent = 4;
 
+// Without quotes a list that is nothing but a text could look like a binary one.
 bool NeedsNoQuotes(std::string_view text) {
     const auto is_plain = [](char byte) {
         return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
                byte == '_';
     };
-    return !text.empty() && std::all_of(text.begin(), text.end(), is_plain);
+    return !text.empty() && !text.starts_with(kBinaryMagic) &&
+           std::all_of(text.begin(), text.end(), is_plain);
 }
 
 class OldStyleWriter {

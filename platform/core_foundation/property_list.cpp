@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "platform/core_foundation/binary_format.h"
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/core_foundation/file_stream.h"
 #include "platform/core_foundation/reader.h"
@@ -14,7 +15,6 @@ namespace core_foundation {
 
 namespace {
 
-constexpr std::string_view kBinaryMagic = "bplist0";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleEndianMark = "\xFF\xFE",
                            kBigEndianMark = "\xFE\xFF";
 

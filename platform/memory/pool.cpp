@@ -14,7 +14,12 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// GCC defines a name for each sanitizer, clang answers questions about them.
+#ifndef __has_feature
+#define __has_feature(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || __has_feature(address_sanitizer) || \
+    __has_feature(thread_sanitizer)
 constexpr bool kPooled = false;  // so that the checker sees each piece by itself
 #else
 constexpr bool kPooled = true;
