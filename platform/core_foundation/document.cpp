@@ -13,7 +13,7 @@ namespace {
 
 // Blocks double in size up to the largest. That bounds what is taken in vain at the end of a list.
 constexpr size_t kFirstBlock = 4 << 10;
-constexpr size_t kLargestBlock = 8 << 20;
+constexpr size_t kLargestBlock = 2 << 20;
 
 // The value blocks of all published documents, by their first byte past the end: the block of an address is
 // the first whose end lies behind it. Asked only when a value of an arena is retained or released.
