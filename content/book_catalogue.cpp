@@ -12,6 +12,7 @@
 #include "content/zip_entry.h"
 #include "content/zip_extract.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 #include "platform/windows/file_handle.h"
 #include "platform/windows/windows_api.h"
 
@@ -94,6 +95,7 @@ void WriteWithEntry(const Catalogue &catalogue, const CFOwner &entry) {
 
 // What the archive of a book says of itself, ready to take more; empty if it says nothing.
 std::optional<CFOwner> ReadBookMetadata(const std::string &path) {
+    const LimitLog limit_log(path);
     const ZipReadHandle zip = OpenZipForRead(path);
     if (!zip) return std::nullopt;
     CFOwner metadata;

@@ -7,15 +7,11 @@
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/tree_builder.h"
 #include "platform/core_foundation/utf_text.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
 namespace {
-
-// Containers may share their content, so a small file can describe a tree of any size. Written out as a tree
-// it may be so many times its file, and beyond that it is refused.
-constexpr uint64_t kMaxExpansion = 256;
-constexpr uint64_t kAlwaysAllowedExpansion = 1 << 20;
 
 enum class State : uint8_t { kUnread, kOpen, kRead };
 
@@ -208,7 +204,7 @@ class BinaryReader {
         converted_.resize(bytes.size() / 2 * kMaxUtf8PerUnit);
         const char *end = Utf16ToUtf8(bytes.data(), bytes.size() / 2, true, converted_.data());
         const std::string_view text(converted_.data(), static_cast<size_t>(end - converted_.data()));
-        if (text.size() > kMaxLength) return std::nullopt;
+        if (limits::kListBytes.IsPassedBy(text.size())) return std::nullopt;
         return MakeString(builder_.document().CopyText(text), text.size(), IsAscii(text));
     }
 
@@ -252,7 +248,7 @@ class BinaryReader {
     bool AddTreeSize(size_t container, uint64_t size) {
         uint64_t &total = objects_[container].tree_size;
         total += size;
-        return total <= std::max(kAlwaysAllowedExpansion, kMaxExpansion * file_.size());
+        return total <= limits::kListFreeBytes || !limits::kListExpansion.IsPassedBy(total / file_.size());
     }
 
     bool CloseContainer() {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "content/xml_document.h"
+#include "platform/limits.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ TEST(XmlLimits, AgreeWithTheLibraryOnWhatIsMarkup) {
         const std::optional<XmlTree> tree = ParseXml("<r>" + inner + "</r>");
         if (!tree) continue;
         ++parsed;
-        const size_t around = kMaxXmlDepth - DepthOf(*tree);
+        const size_t around = limits::kXmlDepth.value - DepthOf(*tree);
         const std::string head = Repeated("<o>", around);
         const std::string tail = Repeated("</o>", around);
         ASSERT_TRUE(IsWithinXmlLimits(head + "<r>" + inner + "</r>" + tail)) << inner;
