@@ -9,7 +9,6 @@
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "driver/limit_log.h"
-#include "platform/limits.h"
 
 namespace {
 
@@ -57,7 +56,6 @@ class ArtworkScan {
     }
 
     void AddThumb(DriverPath *track, const std::string &location) {
-        if (limits::kArtworkNodes.IsPassedBy(++nodes_)) return;
         SetAttribute(track, "media_has_thumb", "true");
         AddThumbNode(track, node_subcategory::kThumbOfTrack, location.c_str());
     }
@@ -67,7 +65,6 @@ class ArtworkScan {
     std::wstring folder_;
     std::string folder_path_;
     std::optional<TracksByKey> tracks_;
-    uint64_t nodes_ = 0;
 };
 
 }  // namespace

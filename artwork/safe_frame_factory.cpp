@@ -4,6 +4,9 @@
 
 namespace {
 
+// More than a tag can hold, so that the next frame would begin behind it.
+constexpr unsigned kRestOfTag = 1U << 30;
+
 bool HoldsFrames(const TagLib::ByteVector &frame_id) {
     return frame_id == "CHAP" || frame_id == "CTOC";
 }
@@ -11,6 +14,10 @@ bool HoldsFrames(const TagLib::ByteVector &frame_id) {
 }  // namespace
 
 bool SafeFrameFactory::updateFrame(FrameTypes::FrameHeader *header) const {
+    if (limits::kTagFrames.IsPassedBy(++frames_)) {
+        header->setFrameSize(kRestOfTag);
+        return false;
+    }
     if (HoldsFrames(header->frameID())) return false;
     if (!header->compression() ||
         !limits::kCompressedTagBytes.IsPassedBy(static_cast<uint64_t>(source_size_)))

@@ -53,8 +53,11 @@ inline constexpr Limit kListBytes = {"bytes in a property list", std::numeric_li
 // Written out as a tree it may be so many times its file; small ones may be larger.
 inline constexpr Limit kListExpansion = {"times its size for a binary property list as a tree", 256};
 inline constexpr uint64_t kListFreeBytes = kMiB;
-// A hundred times the size of the longest that applications and books are known to hold.
-inline constexpr Limit kEntryListBytes = {"bytes in a property list of an archive", 4 * kMiB};
+// Many times the size of the longest that applications and books are known to hold. As XML it may take a
+// dozen times its size in memory.
+inline constexpr Limit kEntryListBytes = {"bytes in a property list of an archive", kMiB};
+// The old text form: tables of texts in applications, of some KB. Two bytes of it can make a value.
+inline constexpr Limit kOldStyleBytes = {"bytes in an old-style property list", 512 * kKiB};
 
 // --- "iTunes Library.itl"
 
@@ -101,9 +104,9 @@ inline constexpr Limit kPackedDepth = {"levels of folders to pack", 64};
 inline constexpr Limit kTextFileBytes = {"bytes in a text document", 8 * kMiB};
 // Pages of real books stay below 40 levels. The XML library calls itself for each.
 inline constexpr Limit kXmlDepth = {"levels of elements in an XML document", 128};
-// Tags, attributes, comments and the like: ten times those of a package document with 5000 files. The XML
-// library spends some hundred bytes on each.
-inline constexpr Limit kXmlNodes = {"nodes in an XML document", 250000};
+// Tags, attributes, comments and the like: six times those of a package document with 5000 files. The XML
+// library spends a hundred bytes on each.
+inline constexpr Limit kXmlNodes = {"nodes in an XML document", 150'000};
 
 // --- Media files and artwork
 
@@ -112,6 +115,9 @@ inline constexpr Limit kXmlNodes = {"nodes in an XML document", 250000};
 inline constexpr Limit kMediaReads = {"reads of a media file", 16384};
 // A ringtone has some fifty, and each that is nested costs half a kilobyte of the stack.
 inline constexpr Limit kMediaAtoms = {"atoms in a media file", 1024};
+// Frames of ID3v2 tags. Real files have some dozens; ten bytes of a tag can make one, which takes half a
+// kilobyte in memory.
+inline constexpr Limit kTagFrames = {"frames in the tags of a file", 4096};
 // A tag with compressed frames. Deflated data grows at most a thousandfold, so this keeps a tag below 256 MB.
 // Hardly any program compresses frames, and pictures, which are large, do not get smaller by it.
 inline constexpr Limit kCompressedTagBytes = {"bytes around a compressed frame of a tag", 256 * kKiB};
@@ -119,7 +125,7 @@ inline constexpr Limit kCompressedTagBytes = {"bytes around a compressed frame o
 inline constexpr Limit kArtworkBoxes = {"boxes in an artwork file", 1024};
 // A cache holds a file or two for each track. Where many tracks share an id that many files have, nodes would
 // grow as the product of both.
-inline constexpr Limit kArtworkNodes = {"thumbnails of the artwork cache", 1'000'000};
+inline constexpr Limit kArtworkFiles = {"files of the artwork cache for one track", 8};
 // More than any cover has, 4096 x 4096.
 inline constexpr Limit kPicturePixels = {"pixels in a picture", uint64_t{4096} * 4096};
 // Pictures on the net are a few hundred kilobytes at most, while somebody waits.
@@ -129,7 +135,9 @@ inline constexpr Limit kDownloadBytes = {"bytes in a download", 32 * kMiB};
 
 // Deeper than anyone keeps media. Each level holds a search open, of which a process has not many.
 inline constexpr Limit kFolderDepth = {"levels of folders", 256};
-// Lists nest a few levels at most; a tree that goes deeper is damaged or has a cycle.
+// Lists nest a few levels at most. Places in the tree are compared level by level.
+inline constexpr Limit kListNesting = {"levels of lists in lists", 64};
+// For hosts: a tree that goes deeper is damaged or has a cycle.
 inline constexpr Limit kTreeDepth = {"levels of a library tree", 100};
 // As many links at the end of a path as the system follows.
 inline constexpr Limit kLinks = {"links in a row", 40};

@@ -9,6 +9,7 @@
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/utf_text.h"
 #include "platform/core_foundation/writer.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
@@ -38,6 +39,7 @@ ReadResult ReadText(InputWindow &window, Document &document) {
     if (LooksLikeXml(TrimSpace(window.view())))
         return {ReadXml(window, document), kCFPropertyListXMLFormat_v1_0};
     if (!window.ReadAll()) return {};
+    if (limits::kOldStyleBytes.IsPassedBy(window.view().size())) return {};
     return {ReadOldStyle(window.view(), document), kCFPropertyListOpenStepFormat};
 }
 
