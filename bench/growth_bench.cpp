@@ -10,7 +10,7 @@
 
 #include "bench/measure.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "tests/support/growth_cases.h"
+#include "bench/growth_cases.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

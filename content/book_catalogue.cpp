@@ -205,6 +205,8 @@ std::optional<std::string> ComputeBookDigest(const std::string &path) {
     std::array<unsigned char, 65536> block;
     while (const size_t count = std::fread(block.data(), 1, block.size(), file.get()))
         g_checksum_update(checksum.get(), block.data(), static_cast<gssize>(count));
+    // The digest of a part would be that of another book.
+    if (std::ferror(file.get()) != 0) return std::nullopt;
     const GTextOwner digits(g_ascii_strup(g_checksum_get_string(checksum.get()), -1));
     return std::string(digits.get());
 }

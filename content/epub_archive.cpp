@@ -43,7 +43,7 @@ class TempDocument {
     }
     // The outcome is not looked at: the next book of this name replaces what is left.
     ~TempDocument() {
-        if (extracted_) _wremove(Utf8ToWide(path_).c_str());
+        if (extracted_) RemoveFileQuietly(path_);
     }
     TempDocument(const TempDocument &) = delete;
     TempDocument &operator=(const TempDocument &) = delete;

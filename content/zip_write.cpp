@@ -170,7 +170,7 @@ class TemporaryFile {
         path_ = folder ? *folder + "\\" + name : name;
     }
     ~TemporaryFile() {
-        if (!path_.empty()) _wremove(Utf8ToWide(path_).c_str());
+        if (!path_.empty()) RemoveFileQuietly(path_);
     }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;

@@ -78,7 +78,8 @@ CFPropertyListRef ReadList(ByteSource &source, CFPropertyListFormat *format) try
     return nullptr;
 }
 
-bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) {
+// False without memory too: what has been written until then is no list.
+bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) try {
     switch (format) {
         case kCFPropertyListXMLFormat_v1_0:
             return WriteXml(root, out);
@@ -89,6 +90,8 @@ bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) {
         default:
             return false;
     }
+} catch (const std::bad_alloc &) {
+    return false;
 }
 
 void ClearError(CFErrorRef *error) {

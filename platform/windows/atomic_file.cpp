@@ -67,12 +67,12 @@ struct AtomicFile::State {
         const bool exists = stat(target.c_str(), &old) == 0;
         if (!exists && errno != ENOENT) return false;
         if (exists && (!S_ISREG(old.st_mode) || access(target.c_str(), W_OK) != 0)) return false;
-        const std::string path = TemporaryPathIn(FolderOf(target));
+        std::string path = TemporaryPathIn(FolderOf(target));
         const mode_t mode = exists ? kPrivateMode : kNewFileMode;
         file = FileDescriptor(Uninterrupted(
             [&] { return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode); }));
         if (!file) return false;
-        temporary = path;
+        temporary = std::move(path);  // needs no memory, now that there is a file
         return !exists || TakeOver(file.get(), old);
     }
 };

@@ -1,5 +1,5 @@
-#ifndef TESTS_SUPPORT_GROWTH_CASES_H
-#define TESTS_SUPPORT_GROWTH_CASES_H
+#ifndef BENCH_GROWTH_CASES_H
+#define BENCH_GROWTH_CASES_H
 
 #include <cstdint>
 #include <filesystem>

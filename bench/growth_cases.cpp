@@ -1,4 +1,4 @@
-#include "tests/support/growth_cases.h"
+#include "bench/growth_cases.h"
 
 #include <algorithm>
 #include <fstream>
