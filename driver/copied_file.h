@@ -21,6 +21,9 @@ class CopiedFile {
 
     // UTF-8.
     std::string Path() const;
+    // Takes bytes straight from a file that is open without a buffer, and says how many. It may be none for
+    // any reason; reading and writing them tells which.
+    size_t TakeFrom(const FileHandle &source, size_t count);
     // False when the system takes fewer bytes.
     bool Write(std::string_view bytes);
     // Both close the file. Keep gives false, and deletes it, when the system refuses the last of its bytes

@@ -41,24 +41,31 @@ struct ProgressReport {
     bool IsStopped() const { return result == kStopWithFailure || result == kStop; }
 };
 
+// Copies the next piece, from file to file inside the system where that can be done.
+std::optional<CopyError> CopyPiece(CopySource &source, CopiedFile &file) {
+    if (source.IsLocalFile()) {
+        const size_t moved = file.TakeFrom(source.file, NextPiece(source));
+        source.position += static_cast<int64_t>(moved);
+        if (moved != 0) return std::nullopt;
+    }
+    const std::string_view bytes = ReadCopySource(source);
+    if (bytes.empty()) return kSourceEnded;
+    if (!file.Write(bytes)) return kTargetFull;
+    return std::nullopt;
+}
+
 // True when all bytes are in the file.
 bool CopyBytes(CopySource &source, CopiedFile &file, ProgressReport &report) {
-    int64_t &copied = report.progress.bytes_copied;
-    while (copied < source.size) {
-        const std::string_view bytes = ReadCopySource(source);
-        if (bytes.empty()) {
-            report.Fail(kSourceEnded);
+    while (source.position < source.size) {
+        if (const auto error = CopyPiece(source, file)) {
+            report.Fail(*error);
             return false;
         }
-        if (!file.Write(bytes)) {
-            report.Fail(kTargetFull);
-            return false;
-        }
-        copied += static_cast<int64_t>(bytes.size());
+        report.progress.bytes_copied = source.position;
         report.Send(kCopying);
         if (report.IsStopped()) break;
     }
-    return copied >= source.size;
+    return source.position >= source.size;
 }
 
 void WriteFile(CopySource &source, CopiedFile &file, ProgressReport &report) {

@@ -1,6 +1,7 @@
 #include "driver/copy_source.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 
 #include "driver/attributes.h"
@@ -42,6 +43,7 @@ std::optional<CopySource> OpenCopySource(const CopySourceInfo &info, int64_t siz
         case copy_source_type::kLocalFile:
             if (info.source_path != nullptr) source.file = FileHandle(info.source_path, L"rb");
             if (!source.file) return std::nullopt;
+            std::setvbuf(source.file.get(), nullptr, _IONBF, 0);
             break;
         case copy_source_type::kMemory:
             if (info.source_handle == nullptr) return std::nullopt;
@@ -53,14 +55,17 @@ std::optional<CopySource> OpenCopySource(const CopySourceInfo &info, int64_t siz
     return source;
 }
 
-std::string_view ReadCopySource(CopySource &source) {
-    // A file that has grown since the host looked at it would otherwise end in some bytes of what was added.
+size_t NextPiece(const CopySource &source) {
     const auto left = static_cast<uint64_t>(source.size - source.position);
-    size_t count = static_cast<size_t>(std::min<uint64_t>(source.piece, left));
+    return static_cast<size_t>(std::min<uint64_t>(source.piece, left));
+}
+
+std::string_view ReadCopySource(CopySource &source) {
+    size_t count = NextPiece(source);
     const char *bytes = source.buffer.get();
     if (source.info->source_type == copy_source_type::kHostStream) {
         count = ReadFromHost(source, count);
-    } else if (source.info->source_type == copy_source_type::kLocalFile) {
+    } else if (source.IsLocalFile()) {
         count = std::fread(source.buffer.get(), 1, count, source.file.get());
     } else {
         bytes = static_cast<const char *>(source.info->source_handle) + source.position;

@@ -17,13 +17,6 @@ __extension__ using Signed128 = __int128;
 
 constexpr Unsigned128 kLargest128 = ~Unsigned128{0} >> 1;
 
-// So many decimal digits fit 64 bits whatever they are.
-constexpr size_t kSafeDigits = 18;
-
-bool IsDigit(char byte) {
-    return byte >= '0' && byte <= '9';
-}
-
 // Takes a sign from the front; true for a minus.
 bool TakeSign(std::string_view &text) {
     if (text.empty() || (text[0] != '-' && text[0] != '+')) return false;
@@ -56,17 +49,17 @@ std::optional<Value> ParseLongInteger(std::string_view text, bool is_negative, D
     return MakeWideInteger(static_cast<int64_t>(integer >> 64), static_cast<uint64_t>(integer), document);
 }
 
-// Takes exactly `count` digits from the front and checks the range of their number.
-std::optional<int32_t> TakeField(std::string_view &text, size_t count, int32_t smallest, int32_t largest) {
-    if (text.size() < count) return std::nullopt;
-    int64_t number = 0;
-    for (size_t i = 0; i < count; ++i) {
-        if (!IsDigit(text[i])) return std::nullopt;
-        number = number * 10 + (text[i] - '0');
-    }
-    text.remove_prefix(count);
-    if (number < smallest || number > largest) return std::nullopt;
-    return static_cast<int32_t>(number);
+// Exactly two digits; negative when they are none.
+int32_t TwoDigits(const char *text) {
+    return IsDigit(text[0]) && IsDigit(text[1]) ? (text[0] - '0') * 10 + (text[1] - '0') : -100;
+}
+
+// Takes two digits from the front; negative when there are none.
+int32_t TakeTwoDigits(std::string_view &text) {
+    if (text.size() < 2) return -1;
+    const int32_t number = TwoDigits(text.data());
+    text.remove_prefix(2);
+    return number;
 }
 
 bool TakeByte(std::string_view &text, char byte) {
@@ -80,26 +73,54 @@ struct DateFields {
     int32_t hour, minute, second;
 };
 
+bool IsPossible(const DateFields &fields) {
+    const auto is_within = [](int32_t number, int32_t smallest, int32_t largest) {
+        return number >= smallest && number <= largest;
+    };
+    return is_within(fields.date.month, 1, 12) && is_within(fields.date.day, 1, 31) &&
+           is_within(fields.hour, 0, 24) && is_within(fields.minute, 0, 59) &&
+           is_within(fields.second, 0, 60);  // 60: a leap second
+}
+
 // The fields in their order, parted by `separator` in the middle; takes them from the text.
 std::optional<DateFields> TakeDateFields(std::string_view &text, char separator) {
     constexpr size_t kLongestYear = 10;
     const bool is_before_christ = TakeSign(text);
     const auto year_digits =
         static_cast<size_t>(std::find_if_not(text.begin(), text.end(), IsDigit) - text.begin());
-    if (year_digits < 4 || year_digits > kLongestYear) return std::nullopt;
-    const auto year = TakeField(text, year_digits, 0, std::numeric_limits<int32_t>::max());
+    int32_t year = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + year_digits, year);
+    if (year_digits < 4 || year_digits > kLongestYear || error != std::errc()) return std::nullopt;
+    text.remove_prefix(year_digits);
+    DateFields fields = {};
+    fields.date.year = is_before_christ ? -year : year;
     if (!TakeByte(text, '-')) return std::nullopt;
-    const auto month = TakeField(text, 2, 1, 12);
+    fields.date.month = TakeTwoDigits(text);
     if (!TakeByte(text, '-')) return std::nullopt;
-    const auto day = TakeField(text, 2, 1, 31);
+    fields.date.day = TakeTwoDigits(text);
     if (!TakeByte(text, separator)) return std::nullopt;
-    const auto hour = TakeField(text, 2, 0, 24);
+    fields.hour = TakeTwoDigits(text);
     if (!TakeByte(text, ':')) return std::nullopt;
-    const auto minute = TakeField(text, 2, 0, 59);
+    fields.minute = TakeTwoDigits(text);
     if (!TakeByte(text, ':')) return std::nullopt;
-    const auto second = TakeField(text, 2, 0, 60);  // 60: a leap second
-    if (!year || !month || !day || !hour || !minute || !second) return std::nullopt;
-    return DateFields{{is_before_christ ? -*year : *year, *month, *day}, *hour, *minute, *second};
+    fields.second = TakeTwoDigits(text);
+    if (!IsPossible(fields)) return std::nullopt;
+    return fields;
+}
+
+// "2010-08-30T17:46:37Z" and no other form, as nearly all dates are.
+std::optional<DateFields> UsualDateFields(std::string_view text) {
+    constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
+    if (text.size() != kForm.size()) return std::nullopt;
+    for (const size_t place : {4u, 7u, 10u, 13u, 16u, 19u}) {
+        if (text[place] != kForm[place]) return std::nullopt;
+    }
+    const int32_t century = TwoDigits(&text[0]), year = TwoDigits(&text[2]);
+    const DateFields fields = {{century * 100 + year, TwoDigits(&text[5]), TwoDigits(&text[8])},
+                               TwoDigits(&text[11]),
+                               TwoDigits(&text[14]),
+                               TwoDigits(&text[17])};
+    return century >= 0 && year >= 0 && IsPossible(fields) ? std::optional(fields) : std::nullopt;
 }
 
 double SecondsOf(const DateFields &fields) {
@@ -153,7 +174,8 @@ Value MakeWideInteger(int64_t high, uint64_t low, Document &document) {
 std::optional<Value> ParseInteger(std::string_view text, Document &document) {
     text = TrimSpace(text);
     const bool is_negative = TakeSign(text);
-    if (text.empty() || text.size() > kSafeDigits) return ParseLongInteger(text, is_negative, document);
+    if (text.empty() || text.size() > size_t{kSafeDigits})
+        return ParseLongInteger(text, is_negative, document);
     int64_t integer = 0;
     for (const char byte : text) {
         if (!IsDigit(byte)) return ParseLongInteger(text, is_negative, document);
@@ -179,6 +201,7 @@ std::optional<double> ParseReal(std::string_view text) {
 }
 
 std::optional<double> ParseDate(std::string_view text) {
+    if (const auto usual = UsualDateFields(text)) return SecondsOf(*usual);
     text = TrimSpace(text);
     const std::optional<DateFields> fields = TakeDateFields(text, 'T');
     if (!fields || text != "Z") return std::nullopt;
@@ -190,10 +213,10 @@ std::optional<double> ParseZonedDate(std::string_view text) {
     if (!fields || !TakeByte(text, ' ') || text.empty() || (text[0] != '+' && text[0] != '-'))
         return std::nullopt;
     const int32_t direction = TakeSign(text) ? -1 : 1;
-    const auto hours = TakeField(text, 2, 0, 24);
-    const auto minutes = TakeField(text, 2, 0, 59);
-    if (!hours || !minutes || !text.empty()) return std::nullopt;
-    return SecondsOf(*fields) - direction * (*hours * 3600 + *minutes * 60);
+    const int32_t hours = TakeTwoDigits(text);
+    const int32_t minutes = TakeTwoDigits(text);
+    if (hours < 0 || hours > 24 || minutes < 0 || minutes > 59 || !text.empty()) return std::nullopt;
+    return SecondsOf(*fields) - direction * (hours * 3600 + minutes * 60);
 }
 
 std::optional<size_t> DecodeBase64(std::string_view text, char *out) {

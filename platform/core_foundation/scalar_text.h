@@ -18,6 +18,13 @@ inline bool IsSpace(char byte) {
 }
 std::string_view TrimSpace(std::string_view text);
 
+inline bool IsDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+// So many decimal digits fit 64 bits whatever they are.
+constexpr int kSafeDigits = 18;
+
 // 4 bits of a hexadecimal digit of either case; -1 for another byte.
 int HexDigit(char byte);
 

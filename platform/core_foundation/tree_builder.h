@@ -43,6 +43,19 @@ class TreeBuilder {
         }
     }
 
+    // Whether the next thing is a key of a dictionary that is still small, whose keys are shared.
+    bool AwaitsSharedKey() const {
+        return container_ == ValueType::kDictionary && top_->key == nullptr &&
+               static_cast<size_t>(top_ - base_) < kIndexedFrom;
+    }
+    // The key of the pair before the next one; null at the front of a dictionary.
+    const Value *LastKey() const { return top_ == base_ ? nullptr : top_[-1].key; }
+    // The key that awaits its value.
+    const Value *NextKey() const { return top_->key; }
+    // Gives the next value a key that a small dictionary of this list has had before, or takes it back.
+    void PushSharedKey(const Value *key) { top_->key = key; }
+    void DropKey() { top_->key = nullptr; }
+
     size_t depth() const { return frames_.size(); }
     // What is open innermost; kNone outside of all containers.
     ValueType container() const { return container_; }

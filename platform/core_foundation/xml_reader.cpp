@@ -20,26 +20,13 @@
 #include "platform/core_foundation/reader.h"
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/tree_builder.h"
+#include "platform/core_foundation/xml_element.h"
+#include "platform/core_foundation/xml_passages.h"
 #include "platform/core_foundation/xml_text.h"
 
 namespace core_foundation {
 
 namespace {
-
-enum class Element {
-    kString,
-    kInteger,
-    kKey,
-    kDate,
-    kDict,
-    kTrue,
-    kFalse,
-    kArray,
-    kData,
-    kReal,
-    kPlist,
-    kUnknown
-};
 
 struct ElementNames {
     std::string_view name;
@@ -85,13 +72,6 @@ const char *NameEnd(const char *name) {
 Element ElementAt(const char *name) {
     return ElementOf({name, static_cast<size_t>(NameEnd(name) - name)});
 }
-
-// A start tag, or an empty element.
-struct Tag {
-    Element element;
-    bool is_empty;
-    const char *next;  // behind the tag; null: no tag
-};
 
 // A tag in any spelling, with its attributes, which mean nothing here.
 Tag ReadAnyTag(const char *name) {
@@ -173,7 +153,11 @@ class XmlReader {
     const char *ReadWindow(const char *cursor) {
         const char *next = cursor;
         while (next != nullptr) {
-            cursor = SkipSpace(next);
+            cursor = next;
+            next = ReadFamiliarPair(cursor);
+            if (next != nullptr) continue;
+            if (!builder_.AwaitsValue()) passage_ = builder_.AwaitsSharedKey() ? cursor : nullptr;
+            cursor = SkipSpace(cursor);
             next = *cursor == '<' ? ReadMarkup(cursor) : nullptr;
         }
         return cursor;
@@ -183,7 +167,21 @@ class XmlReader {
         if (!window_.Advance(cursor)) return false;
         cursor = window_.begin();
         limit_ = window_.end();
+        passage_ = nullptr;
         return true;
+    }
+
+    // Takes a key and its value where both tags and all that stands around them is as it was behind the same
+    // key before. Null where they are not, and where the value is damaged or incomplete: then nothing has
+    // been taken.
+    const char *ReadFamiliarPair(const char *cursor) {
+        if (!builder_.AwaitsSharedKey()) return nullptr;
+        const XmlPassage *passage = passages_.Find(builder_.LastKey(), cursor, limit_);
+        if (passage == nullptr) return nullptr;
+        builder_.PushSharedKey(passage->key);
+        const char *next = ReadValue(passage->TagBefore(cursor + passage->size));
+        if (next == nullptr) builder_.DropKey();
+        return next;
     }
 
     // Each of these takes what begins at its place and gives the place behind it, or null.
@@ -209,11 +207,22 @@ class XmlReader {
         if (tag.next == nullptr) return nullptr;
         if (tag.element == Element::kKey) return ReadKey(tag);
         if (!ExpectsValue()) return nullptr;
+        if (passage_ != nullptr) RememberPassage(tag);
+        return ReadValue(tag);
+    }
+
+    void RememberPassage(const Tag &tag) {
+        const auto size = static_cast<size_t>(tag.next - passage_);
+        passages_.Remember(builder_.LastKey(), {passage_, size}, builder_.NextKey(), tag);
+        passage_ = nullptr;
+    }
+
+    const char *ReadValue(const Tag &tag) {
         switch (tag.element) {
             case Element::kString:
                 return ReadString(tag);
             case Element::kInteger:
-                return ReadScalar<Element::kInteger>(tag);
+                return ReadInteger(tag);
             case Element::kReal:
                 return ReadScalar<Element::kReal>(tag);
             case Element::kDate:
@@ -274,6 +283,20 @@ class XmlReader {
         return text.next;
     }
 
+    // The usual spelling, a few decimal digits, is read without a look at where it ends.
+    const char *ReadInteger(const Tag &tag) {
+        const bool is_negative = *tag.next == '-';
+        const char *digits = tag.next + (is_negative ? 1 : 0);
+        const char *end = digits;
+        int64_t integer = 0;
+        for (; IsDigit(*end) && end - digits < kSafeDigits; ++end)
+            integer = integer * 10 + (*end - '0');
+        if (end == digits || tag.is_empty || !StartsWith(end, "</integer>"))
+            return ReadScalar<Element::kInteger>(tag);
+        Accept(MakeInteger(is_negative ? -integer : integer));
+        return end + EndTag(Element::kInteger).size();
+    }
+
     // A template, so that the end tag is compared as a constant.
     template <Element kElement>
     const char *ReadScalar(const Tag &tag) {
@@ -323,6 +346,7 @@ class XmlReader {
     }
 
     const char *CloseElement(const char *cursor) {
+        if (StartsWith(cursor, "</dict>")) return Close(Element::kDict) ? cursor + 7 : nullptr;
         const char *name = cursor + 2;
         const char *tail = SkipSpace(NameEnd(name));
         return *tail == '>' && Close(ElementAt(name)) ? tail + 1 : nullptr;
@@ -349,6 +373,8 @@ class XmlReader {
     const char *limit_;  // the end of the window
     TreeBuilder builder_;
     XmlTextReader texts_;
+    XmlPassages passages_;
+    const char *passage_ = nullptr;  // where the one began that is being read; null: it cannot be remembered
     std::optional<Value> root_;
     bool in_plist_ = false;
 };

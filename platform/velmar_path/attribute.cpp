@@ -83,10 +83,12 @@ void Store(char *place, std::string_view text) {
 }
 
 // A value outside of its item, behind the item's key if that has no number.
-char *NewOutside(uint16_t key, std::string_view key_text, std::string_view value) {
-    const size_t key_bytes = key == kUnknownKey ? key_text.size() + 1 : 0;
+char *NewOutside(uint16_t key, const char *key_text, std::string_view value) {
+    const std::string_view stored_key = key == kUnknownKey ? key_text : "";
+    const size_t key_bytes = key == kUnknownKey ? stored_key.size() + 1 : 0;
+    if (std::max(key_bytes, value.size()) > kLongestText) throw std::bad_alloc();
     char *text = new char[key_bytes + value.size() + 1];
-    if (key_bytes != 0) Store(text, key_text);
+    if (key_bytes != 0) Store(text, stored_key);
     Store(text + key_bytes, value);
     return text;
 }
@@ -129,14 +131,14 @@ struct VelmarAttribute : Pooled {
         return nullptr;
     }
 
-    Item *Find(uint16_t key, std::string_view text) {
+    // The length of a text is asked for only where it has no number, here and below.
+    Item *Find(uint16_t key, const char *text) {
         if ((key_bits & KeyBit(key)) == 0) return nullptr;
         if (key != kUnknownKey) return FindIf([key](const Item &item) { return item.key == key; });
         return FindIf([text](Item &item) { return item.key == kUnknownKey && item.Key() == text; });
     }
 
-    void Append(uint16_t key, std::string_view key_text, std::string_view value) {
-        if (std::max(key_text.size(), value.size()) > kLongestText) throw std::bad_alloc();
+    void Append(uint16_t key, const char *key_text, std::string_view value) {
         const bool is_inside = key != kUnknownKey && value.size() < kLongestInside;
         const size_t room = is_inside ? std::max(value.size() + 1, kLeastRoom) : kLeastRoom;
         const auto words = static_cast<uint16_t>((room + Item::kWord - 1) / Item::kWord);
@@ -159,7 +161,7 @@ struct VelmarAttribute : Pooled {
             Store(item.Room(), value);
             return;
         }
-        char *text = NewOutside(item.key, item.Key(), value);
+        char *text = NewOutside(item.key, item.Key().data(), value);
         if (item.moved) delete[] item.Outside();
         item.SetOutside(text);
         has_moved = true;

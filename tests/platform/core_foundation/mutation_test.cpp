@@ -2,6 +2,7 @@
 // every form.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <random>
 #include <string>
@@ -88,6 +89,65 @@ TEST(GeneratedXml, AgreesWithAnObviousReader) {
         }
     }
     EXPECT_GT(lists, 100);
+}
+
+// Spells one random list, with the same keys over and over, in the even way of a program or with odd space
+// and comments wherever they may stand.
+class ListSpeller {
+  public:
+    ListSpeller(uint32_t seed, bool is_even) : choices_(seed), oddities_(seed), is_even_(is_even) {}
+
+    std::string Spell() { return "<plist>" + Value(0) + Space(0) + "</plist>"; }
+
+  private:
+    int Choose(int count) { return static_cast<int>(choices_() % static_cast<uint32_t>(count)); }
+
+    std::string Space(int depth) {
+        if (is_even_) return "\n" + std::string(static_cast<size_t>(depth), '\t');
+        const auto odd = oddities_();
+        return std::string(odd % 3, ' ') + (odd % 5 == 0 ? "<!-- </dict><key>a</key> -->" : "");
+    }
+
+    std::string Value(int depth) {
+        constexpr const char *kLeaves[] = {"<string></string>",
+                                           "<string>a&amp;b</string>",
+                                           "<integer>-7</integer>",
+                                           "<integer>7</integer>",
+                                           "<true/>",
+                                           "<false/>",
+                                           "<dict/>",
+                                           "<date>2001-01-01T00:00:00Z</date>"};
+        const int kind = depth == 0 ? 0 : Choose(depth > 4 ? 6 : 9);
+        if (kind > 5) return Space(depth) + kLeaves[Choose(8)];
+        if (depth > 4) return Space(depth) + kLeaves[kind];
+        const bool is_dict = kind != 1;
+        const int count =
+            Choose(depth == 1 && Choose(8) == 0 ? 90 : 6);  // some are so large that they are indexed
+        std::string text = Space(depth) + (is_dict ? "<dict>" : "<array>");
+        for (int i = 0; i < count; ++i) {
+            if (is_dict)
+                text += Space(depth + 1) + "<key>" + std::string(1, "abcdefgh"[i % 8]) +
+                        (i < 8 ? "" : std::to_string(i)) + "</key>";
+            text += Value(depth + 1);
+        }
+        return text + Space(depth) + (is_dict ? "</dict>" : "</array>");
+    }
+
+    std::mt19937 choices_;
+    std::mt19937 oddities_;
+    bool is_even_;
+};
+
+TEST(GeneratedXml, ReadsTheSameInEverySpelling) {
+    size_t longest = 0;
+    for (uint32_t seed = 0; seed < 2000; ++seed) {
+        const std::string even = ListSpeller(seed, true).Spell();
+        const std::string description = DescribeBytes(even);
+        ASSERT_NE(description, "null") << even;
+        ASSERT_EQ(DescribeBytes(ListSpeller(seed, false).Spell()), description) << even;
+        longest = std::max(longest, even.size());
+    }
+    EXPECT_GT(longest, 5000u);
 }
 
 const std::vector<std::string> &Seeds() {
