@@ -193,7 +193,7 @@ int32_t TakeState(const CopyProgress *progress, void *state) {
 Outcome Copy(const Place &place, Trial &trial) {
     const fs::path target = place.library().add_folder / "g.mp3";
     fs::remove(target);
-    const std::string bytes(200'000, 'g');
+    const std::string bytes(20'000, 'g');
     const std::string source_path = place.path() / "g.mp3";
     std::ofstream(source_path) << bytes;
     CopySourceInfo source = {};
@@ -205,7 +205,7 @@ Outcome Copy(const Place &place, Trial &trial) {
     const OpenLibrary library;
     int32_t state = 0;
     trial.Run([&] {
-        StartPathCopy(library.driver(), 0, TakeState, &state, 65536);
+        StartPathCopy(library.driver(), 0, TakeState, &state, 4096);
         CopyDriverPath(library.driver(), 0, "library/music", &source);
     });
     FreeVelmarAttribute(source.source.attributes);
