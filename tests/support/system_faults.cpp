@@ -11,6 +11,7 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -184,8 +185,20 @@ SYSTEM_CALL(int, FaultyRenameat2, "renameat2",
 // above.
 namespace {
 
+struct Stream {
+    int file;
+    bool is_unbuffered;
+};
+
 std::mutex streams_mutex;
-std::map<FILE *, int> streams;  // with their files
+std::map<FILE *, Stream> streams;
+thread_local bool next_read_fails = false;
+
+std::optional<Stream> Find(FILE *stream) {
+    const std::lock_guard lock(streams_mutex);
+    const auto found = streams.find(stream);
+    return found != streams.end() ? std::optional(found->second) : std::nullopt;
+}
 
 int FileOf(void *cookie) {
     return static_cast<int>(reinterpret_cast<intptr_t>(cookie));
@@ -207,8 +220,10 @@ int Seek(void *cookie, off64_t *place, int origin) {
 }
 
 constexpr cookie_io_functions_t kStreamCalls = {
-    [](void *cookie, char *bytes, size_t size) { return FaultyRead(FileOf(cookie), bytes, size); }, WriteAll,
-    Seek, [](void *cookie) { return FaultyClose(FileOf(cookie)); }};
+    [](void *cookie, char *bytes, size_t size) {
+        return next_read_fails ? -1 : FaultyRead(FileOf(cookie), bytes, size);
+    },
+    WriteAll, Seek, [](void *cookie) { return FaultyClose(FileOf(cookie)); }};
 
 }  // namespace
 
@@ -217,15 +232,41 @@ SYSTEM_CALL(FILE *, FaultyFdopen, "fdopen", (int file, const char *mode)) {
     FILE *stream = fopencookie(reinterpret_cast<void *>(intptr_t{file}), mode, kStreamCalls);
     const std::lock_guard lock(streams_mutex);
     const bool was_armed = std::exchange(armed, false);  // the map's own memory does not count
-    streams[stream] = file;
+    streams[stream] = {file, false};
     armed = was_armed;
     return stream;
 }
 
 SYSTEM_CALL(int, FaultyFileno, "fileno", (FILE * stream)) {
-    const std::lock_guard lock(streams_mutex);
-    const auto found = streams.find(stream);
-    return found != streams.end() ? found->second : Next(&FaultyFileno, "fileno")(stream);
+    const auto found = Find(stream);
+    return found ? found->file : Next(&FaultyFileno, "fileno")(stream);
+}
+
+SYSTEM_CALL(int, FaultySetvbuf, "setvbuf", (FILE * stream, char *buffer, int mode, size_t size)) {
+    {
+        const std::lock_guard lock(streams_mutex);
+        const auto found = streams.find(stream);
+        if (found != streams.end()) found->second.is_unbuffered = mode == _IONBF;
+    }
+    return Next(&FaultySetvbuf, "setvbuf")(stream, buffer, mode, size);
+}
+
+// Without a buffer such a stream would call for each byte. What ends the reading is met again by the stream
+// itself, so that it knows of it.
+SYSTEM_CALL(size_t, FaultyFread, "fread", (void *bytes, size_t size, size_t count, FILE *stream)) {
+    const auto found = Find(stream);
+    if (!found || !found->is_unbuffered) return Next(&FaultyFread, "fread")(bytes, size, count, stream);
+    size_t done = 0;
+    ssize_t step = 1;
+    while (step > 0 && done < size * count) {
+        step = FaultyRead(found->file, static_cast<char *>(bytes) + done, size * count - done);
+        if (step > 0) done += static_cast<size_t>(step);
+    }
+    char unused = 0;
+    next_read_fails = step < 0;
+    if (step <= 0) Next(&FaultyFread, "fread")(&unused, 1, 1, stream);
+    next_read_fails = false;
+    return done / size;
 }
 
 SYSTEM_CALL(int, FaultyFclose, "fclose", (FILE * stream)) {
@@ -236,16 +277,16 @@ SYSTEM_CALL(int, FaultyFclose, "fclose", (FILE * stream)) {
     return Next(&FaultyFclose, "fclose")(stream);
 }
 
-// --- Memory, as far as the language's own operator goes.
+// --- Memory, as far as the language's own operator goes. Not inline, where the compiler would miss the pair.
 
-void *operator new(size_t size) {
+[[gnu::noinline]] void *operator new(size_t size) {
     void *memory = IsDue(true) ? nullptr : std::malloc(size);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void *memory) noexcept {
+[[gnu::noinline]] void operator delete(void *memory) noexcept {
     std::free(memory);
 }
-void operator delete(void *memory, size_t /*size*/) noexcept {
+[[gnu::noinline]] void operator delete(void *memory, size_t /*size*/) noexcept {
     std::free(memory);
 }
