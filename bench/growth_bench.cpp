@@ -8,9 +8,9 @@
 #include <exception>
 #include <string_view>
 
+#include "bench/growth_cases.h"
 #include "bench/measure.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "bench/growth_cases.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

@@ -104,8 +104,8 @@ DriverPath *GiveUp(DriverPath *node, DriverPath *holder) {
     return node;
 }
 
-// Hands every node of a subtree to `release`, behind those below it. Without recursion, as lists may be nested,
-// and without memory, which may be what has run out: the way back is the parent.
+// Hands every node of a subtree to `release`, behind those below it. Without recursion, as lists may be
+// nested, and without memory, which may be what has run out: the way back is the parent.
 void ReleaseSubtree(DriverPath *path, void (*release)(DriverPath *)) {
     DriverPath *node = GiveUp(path, nullptr);
     while (node != nullptr) {

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include "bench/growth_cases.h"
 #include "bench/measure.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "bench/growth_cases.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
