@@ -14,6 +14,8 @@
 #include <array>
 #include <string_view>
 
+#include "driver/limit_log.h"
+#include "platform/limits.h"
 #include "platform/windows/file_handle.h"
 
 namespace {
@@ -21,9 +23,6 @@ namespace {
 constexpr size_t kHeaderSize = 28;
 constexpr size_t kBoxHeadSize = 84;
 constexpr size_t kTagSize = 4;
-
-// A real file has up to a dozen. Each picture is a node in memory, so a file of many small boxes ends here.
-constexpr int kMostBoxes = 1024;
 
 struct Format {
     std::string_view tag;
@@ -86,9 +85,10 @@ std::optional<ArtworkImage> ReadImage(FILE *file, int64_t start, const BoxHead &
 // Each box must lie behind the one before: lengths that lead backwards, or nowhere, end the walk.
 std::vector<ArtworkImage> ReadBoxes(FILE *file, int64_t start) {
     std::vector<ArtworkImage> images;
-    for (int boxes = 0; boxes < kMostBoxes; ++boxes) {
+    for (uint64_t boxes = 1;; ++boxes) {
         BoxHead head;
         if (_fseeki64(file, start, SEEK_SET) != 0 || !head.Read(file)) break;
+        if (limits::kArtworkBoxes.IsPassedBy(boxes)) break;
         const uint32_t length = head.Number(0);
         const bool is_image = head.Tag(4) == "item";
         if (length == 0 || (is_image && length < head.Number(8))) break;
@@ -102,6 +102,7 @@ std::vector<ArtworkImage> ReadBoxes(FILE *file, int64_t start) {
 }  // namespace
 
 std::optional<std::vector<ArtworkImage>> ReadArtworkFile(const std::string &path) {
+    const LimitLog limit_log(path);
     const FileHandle file(path, L"rb");
     Record<kHeaderSize> header;
     if (!file || !header.Read(file.get()) || header.Tag(4) != "itch") return std::nullopt;

@@ -8,6 +8,7 @@
 #include "content/folder_walk.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 
 namespace {
 
@@ -15,10 +16,6 @@ namespace {
 constexpr size_t kTrackKeyStart = kTrackKeySize + 1;
 constexpr size_t kShortestName = 37;
 constexpr size_t kLongestName = 38;
-
-// A cache holds a file or two for each track. Where many tracks share an id that many files have, nodes would
-// grow as the product of both.
-constexpr int kMostNodes = 1'000'000;
 
 bool IsCacheFileName(std::wstring_view name) {
     if (name.size() != kShortestName && name.size() != kLongestName) return false;
@@ -59,7 +56,6 @@ class ArtworkScan {
     }
 
     void AddThumb(DriverPath *track, const std::string &location) {
-        if (nodes_++ >= kMostNodes) return;
         SetAttribute(track, "media_has_thumb", "true");
         AddThumbNode(track, node_subcategory::kThumbOfTrack, location.c_str());
     }
@@ -69,7 +65,6 @@ class ArtworkScan {
     std::wstring folder_;
     std::string folder_path_;
     std::optional<TracksByKey> tracks_;
-    int nodes_ = 0;
 };
 
 }  // namespace
@@ -83,6 +78,7 @@ int32_t EnsureAlbumArtworkScan(LibraryDriver *driver) {
 }
 
 int32_t ScanAlbumArtworkFolder(LibraryDriver *driver, const std::wstring &folder) {
+    const LimitLog limit_log(WideToUtf8(folder));
     ArtworkScan scan(driver);
     WalkFolder(folder, FolderDepth::kAllLevels,
                [&](const std::wstring &parent, const WIN32_FIND_DATAW &file) {

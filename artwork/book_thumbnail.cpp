@@ -11,6 +11,7 @@
 #include "content/path_text.h"
 #include "content/zip_extract.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 #include "platform/windows/native_path.h"
 #include "platform/windows/windows_api.h"
 
@@ -49,6 +50,7 @@ std::optional<int64_t> SizeOf(const std::string &path) {
 
 // The unpacked cover, there or not. Empty if the archive gives none or if there is no place for it.
 std::optional<std::string> UnpackCover(const std::string &book, const std::string &cover) {
+    const LimitLog limit_log(book);
     const auto folder = BookTempFolder(book);
     const auto file = BookTempFile(book, cover);
     if (!folder || !file || ExtractEntry(book, cover, *folder) != 0) return std::nullopt;

@@ -3,6 +3,7 @@
 #include "artwork/tagged_mp3.h"
 #include "artwork/temporary_path.h"
 #include "content/path_text.h"
+#include "driver/limit_log.h"
 #include "platform/windows/atomic_file.h"
 #include "platform/windows/windows_api.h"
 
@@ -24,6 +25,7 @@ bool WritePicture(const std::string &path, const TagLib::ByteVector &picture) {
 }  // namespace
 
 std::optional<ExtractedPicture> ExtractId3Picture(const std::string &location) {
+    const LimitLog limit_log(location);
     const auto path = PictureTempPath(location);
     if (!path) return std::nullopt;
     ExtractedPicture extracted = {WideToUtf8(*path), 0};

@@ -15,6 +15,7 @@
 #include "content/path_text.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
+#include "driver/limit_log.h"
 #include "driver/path_lookup.h"
 #include "driver/scanned_entries.h"
 #include "platform/windows/text.h"
@@ -56,6 +57,7 @@ void AddThumb(DriverPath *entry, const std::string &path) {
 }
 
 void AddTag(DriverPath *entry, const std::string &path) {
+    const LimitLog limit_log(path);
     TaggedMp3 file(path, TaggedMp3::Length::kRead);
     CopyTagAttributes(file.tag(), entry->attributes);
     if (file.UsePicture([](const TagLib::ByteVector &) { return true; })) AddThumb(entry, path);

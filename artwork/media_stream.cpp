@@ -4,16 +4,12 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/limits.h"
+
 namespace {
 
-// A sound file takes some dozens. A search for frames takes one for each kilobyte, so this is an end behind
-// 16 MB without any.
-constexpr int kMostReads = 16384;
-
-// The head of an atom is the one thing that is read by eight bytes. A ringtone has some fifty atoms, and each
-// that is nested costs half a kilobyte of the stack.
+// The head of an atom is the one thing that is read by eight bytes.
 constexpr unsigned long kAtomHeadBytes = 8;
-constexpr int kMostAtoms = 1024;
 
 // "ID3" in front of a file, "ID3 " or "id3 " as the name of a chunk.
 bool MarksTag(const TagLib::ByteVector &block) {
@@ -22,21 +18,20 @@ bool MarksTag(const TagLib::ByteVector &block) {
 
 }  // namespace
 
-MediaStream::MediaStream(const std::string &path)
-    : path_(path), file_(path, L"rb"), reads_left_(kMostReads), atoms_left_(kMostAtoms) {
+MediaStream::MediaStream(const std::string &path) : path_(path), file_(path, L"rb") {
     if (!file_ || _fseeki64(file_.get(), 0, SEEK_END) != 0) return;
     size_ = std::max<int64_t>(_ftelli64(file_.get()), 0);
 }
 
 void MediaStream::Renew() {
-    reads_left_ = kMostReads;
-    atoms_left_ = kMostAtoms;
+    reads_ = 0;
+    atoms_ = 0;
     seek(0, Beginning);
 }
 
 bool MediaStream::TakeRead(unsigned long length) {
-    if (length == kAtomHeadBytes && --atoms_left_ < 0) return false;
-    return --reads_left_ >= 0;
+    if (length == kAtomHeadBytes && limits::kMediaAtoms.IsPassedBy(++atoms_)) return false;
+    return !limits::kMediaReads.IsPassedBy(++reads_);
 }
 
 TagLib::ByteVector MediaStream::readBlock(unsigned long length) {

@@ -53,8 +53,8 @@ class MediaStream : public TagLib::IOStream {
     std::array<char, kWindowBytes> window_;
     int64_t window_start_ = -1;
     size_t window_size_ = 0;
-    int reads_left_;
-    int atoms_left_;
+    uint64_t reads_ = 0;
+    uint64_t atoms_ = 0;
     bool hides_tags_ = false;
 };
 

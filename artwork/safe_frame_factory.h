@@ -9,7 +9,8 @@
 /* Makes the frames of an ID3v2 tag as TagLib's own factory does, but for those by which a crafted tag could
  * bring the process down. They become frames of unknown content:
  *   - chapters and tables of contents, which hold frames themselves, to any depth;
- *   - compressed frames where there is room for more than they may grow to.
+ *   - compressed frames where there is room for more than they may grow to;
+ *   - all that follows when there are too many, as one frame.
  *
  * The factory must outlive the tags that it serves. */
 class SafeFrameFactory : public TagLib::ID3v2::FrameFactory {
@@ -27,6 +28,7 @@ class SafeFrameFactory : public TagLib::ID3v2::FrameFactory {
 
   private:
     int64_t source_size_;
+    mutable uint64_t frames_ = 0;
 };
 
 #endif

@@ -7,6 +7,7 @@
 
 #include "artwork/media_stream.h"
 #include "artwork/tagged_mp3.h"
+#include "driver/limit_log.h"
 
 namespace {
 
@@ -36,6 +37,7 @@ std::optional<int64_t> ReadLength(const std::string &path) {
 }  // namespace
 
 std::optional<int64_t> SoundLength(const std::string &path) {
+    const LimitLog limit_log(path);
     try {
         return ReadLength(path);
     } catch (const std::exception &) {

@@ -19,7 +19,7 @@ TracksByKey::TracksByKey(VelmarArray *tracks) {
 
 void TracksByKey::Add(DriverPath *track, std::string_view key) {
     const auto position = static_cast<uint32_t>(entries_.size());
-    Entry &entry = entries_.emplace_back(Entry{{}, 0, track});
+    Entry &entry = entries_.emplace_back(Entry{{}, 0, 0, track});
     key.copy(entry.key.data(), kTrackKeySize);
     const uint32_t hash = HashOf(key);
     if (index_.Add(hash, position, Same(key))) return;

@@ -9,6 +9,7 @@
 
 #include "driver/driver_path.h"
 #include "driver/text_index.h"
+#include "platform/limits.h"
 
 // What names of artwork files hold of a persistent id.
 inline constexpr size_t kTrackKeySize = 16;
@@ -19,14 +20,15 @@ class TracksByKey {
   public:
     explicit TracksByKey(VelmarArray *tracks);
 
-    // Hands every track with the key to `use`.
+    // Hands every track with the key to `use`, for as many files as tracks may have.
     template <typename Use>
-    void ForEach(std::string_view key, const Use &use) const;
+    void ForEach(std::string_view key, const Use &use);
 
   private:
     struct Entry {
         std::array<char, kTrackKeySize> key;
-        uint32_t next;  // the position plus one of another track with this key; 0 for none
+        uint32_t next;   // the position plus one of another track with this key; 0 for none
+        uint32_t files;  // of the first track with a key: how many came for it
         DriverPath *track;
     };
 
@@ -41,8 +43,9 @@ class TracksByKey {
 };
 
 template <typename Use>
-void TracksByKey::ForEach(std::string_view key, const Use &use) const {
+void TracksByKey::ForEach(std::string_view key, const Use &use) {
     const auto first = index_.Find(HashOf(key), Same(key));
+    if (first && limits::kArtworkFiles.IsPassedBy(++entries_[*first].files)) return;
     for (uint32_t next = first ? *first + 1 : 0; next != 0; next = entries_[next - 1].next)
         use(entries_[next - 1].track);
 }

@@ -7,6 +7,8 @@
 #include "content/glib_owner.h"
 #include "content/plist_values.h"
 #include "content/zip_entry.h"
+#include "driver/limit_log.h"
+#include "platform/limits.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
@@ -15,15 +17,9 @@ constexpr int32_t kNoArchive = -1;
 constexpr int32_t kNoBundle = -3;
 constexpr int32_t kNoDictionary = -4;
 
-// A hundred times the size of the longest that are known.
-constexpr uint64_t kMaxPropertyListBytes = 4 << 20;
-
 constexpr const char *kArtwork = "iTunesArtwork";
 constexpr const char *kMetadata = "iTunesMetadata.plist";
 constexpr const char *kBundle = "^Payload/[^/]+/Info.plist$";
-
-// No entry with a longer name can be found again.
-constexpr size_t kMaxIconNameBytes = 259;
 
 // The size that stands for the unknown one of a picture on the net.
 constexpr uint32_t kUrlIconSize = 1;
@@ -53,7 +49,7 @@ CFOwner ReadEntryDictionary(unzFile zip) {
 // Takes the entry at the cursor as the icon. One that could not be read later is none.
 void TakeIconEntry(unzFile zip, const std::string &name, AppInfo &info) {
     const std::optional<ZipEntry> entry = CurrentZipEntry(zip);
-    if (!entry || entry->size > kMaxZipEntryInMemory || !ZipEntryStream(zip, *entry)) return;
+    if (!entry || limits::kZipEntryBytes.IsPassedBy(entry->size) || !ZipEntryStream(zip, *entry)) return;
     info.icon = name;
     info.icon_size = static_cast<uint32_t>(entry->size);
     info.is_artwork = true;
@@ -74,7 +70,8 @@ void ReadBundleIcon(unzFile zip, const std::string &bundle_entry, const CFOwner 
     const std::optional<std::string> file = FindText(bundle, "CFBundleIconFile");
     if (!file) return;
     const std::string name = bundle_entry.substr(0, bundle_entry.rfind('/') + 1) + *file;
-    if (name.size() <= kMaxIconNameBytes && LocateZipEntry(zip, name)) TakeIconEntry(zip, name, info);
+    if (!limits::kEntryPathBytes.IsPassedBy(name.size()) && LocateZipEntry(zip, name))
+        TakeIconEntry(zip, name, info);
 }
 
 // Fills what the metadata have left open.
@@ -112,6 +109,7 @@ void ReadLanguageFile(unzFile zip, AppInfo &info) {
 }  // namespace
 
 int32_t ReadAppInfo(const std::string &path, AppInfo &info) {
+    const LimitLog limit_log(path);
     const ZipReadHandle zip = OpenZipForRead(path);
     if (!zip) return kNoArchive;
     AppInfo found;
@@ -127,7 +125,7 @@ int32_t ReadAppInfo(const std::string &path, AppInfo &info) {
 }
 
 CFOwner ReadEntryPropertyList(unzFile zip) {
-    const std::optional<std::string> bytes = ReadCurrentZipEntry(zip, kMaxPropertyListBytes);
+    const std::optional<std::string> bytes = ReadCurrentZipEntry(zip, limits::kEntryListBytes);
     if (!bytes) return nullptr;
     const auto *start = reinterpret_cast<const UInt8 *>(bytes->data());
     const CFOwner data(CFDataCreate(kCFAllocatorDefault, start, static_cast<CFIndex>(bytes->size())));

@@ -9,6 +9,7 @@
 #include "content/file_stamp.h"
 #include "content/path_text.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 #include "driver/path_lookup.h"
 #include "driver/scanned_entries.h"
 #include "platform/windows/windows_api.h"
@@ -32,6 +33,7 @@ void AddFileAttributes(DriverPath *book, BookForm form, int32_t size, const std:
 
 // What the book says of itself; gives the reference of its cover.
 std::optional<std::string> ReadBook(DriverPath *book, BookForm form, const std::string &location) {
+    const LimitLog limit_log(location);
     return form == BookForm::kFolder ? ReadEpubFolder(location, book->attributes)
                                      : ReadEpubArchive(location, book->attributes);
 }

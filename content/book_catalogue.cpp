@@ -12,6 +12,7 @@
 #include "content/zip_entry.h"
 #include "content/zip_extract.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 #include "platform/windows/file_handle.h"
 #include "platform/windows/windows_api.h"
 
@@ -94,6 +95,7 @@ void WriteWithEntry(const Catalogue &catalogue, const CFOwner &entry) {
 
 // What the archive of a book says of itself, ready to take more; empty if it says nothing.
 std::optional<CFOwner> ReadBookMetadata(const std::string &path) {
+    const LimitLog limit_log(path);
     const ZipReadHandle zip = OpenZipForRead(path);
     if (!zip) return std::nullopt;
     CFOwner metadata;
@@ -203,6 +205,8 @@ std::optional<std::string> ComputeBookDigest(const std::string &path) {
     std::array<unsigned char, 65536> block;
     while (const size_t count = std::fread(block.data(), 1, block.size(), file.get()))
         g_checksum_update(checksum.get(), block.data(), static_cast<gssize>(count));
+    // The digest of a part would be that of another book.
+    if (std::ferror(file.get()) != 0) return std::nullopt;
     const GTextOwner digits(g_ascii_strup(g_checksum_get_string(checksum.get()), -1));
     return std::string(digits.get());
 }

@@ -9,6 +9,7 @@
 #include "content/zip_entry.h"
 #include "content/zip_entry_path.h"
 #include "content/zip_extract.h"
+#include "platform/limits.h"
 #include "platform/windows/native_path.h"
 #include "platform/windows/windows_api.h"
 
@@ -16,9 +17,6 @@ namespace {
 
 constexpr const char *kArtworkEntry = "iTunesArtwork";
 constexpr const char *kContainerEntry = "META-INF\\container.xml";
-
-// No entry with a longer name can be found again.
-constexpr size_t kMaxCoverBytes = 259;
 
 // A book of another system may have a name that Windows could not give to a folder.
 std::string TempFolderName(const std::string &location) {
@@ -45,7 +43,7 @@ class TempDocument {
     }
     // The outcome is not looked at: the next book of this name replaces what is left.
     ~TempDocument() {
-        if (extracted_) _wremove(Utf8ToWide(path_).c_str());
+        if (extracted_) RemoveFileQuietly(path_);
     }
     TempDocument(const TempDocument &) = delete;
     TempDocument &operator=(const TempDocument &) = delete;
@@ -80,7 +78,7 @@ std::optional<std::string> CoverOfPackage(const std::string &location, const std
     if (!item) return std::nullopt;
     std::optional<std::string> cover = BesidePackage(package_entry, item->href);
     if (IsCoverPage(*item)) cover = ImageOnPage(location, package_entry, *cover);
-    return cover && cover->size() <= kMaxCoverBytes ? std::move(cover) : std::nullopt;
+    return cover && !limits::kEntryPathBytes.IsPassedBy(cover->size()) ? std::move(cover) : std::nullopt;
 }
 
 // Reads the documents of the book. The cover is looked for unless it is known.

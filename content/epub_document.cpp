@@ -1,8 +1,9 @@
 #include "content/epub_document.h"
 
 #include <array>
-#include <exception>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "content/date_parser.h"
 #include "content/text_file.h"
@@ -41,17 +42,17 @@ void WriteLine(const std::string &line) {
 }
 
 // Parses text that is there, with a line in the log for text that is no XML.
-std::optional<XmlTree> ParseOrLog(const std::string &text, const std::string &path) {
-    std::optional<XmlTree> tree = ParseXml(text);
-    if (!tree) WriteLine("Failed to parse xml file: \"" + path + "\"");
-    return tree;
+std::unique_ptr<XmlDocument> ParseOrLog(std::string text, const std::string &path) {
+    std::unique_ptr<XmlDocument> document = ParseXml(std::move(text));
+    if (!document) WriteLine("Failed to parse xml file: \"" + path + "\"");
+    return document;
 }
 
 std::optional<std::string> NotEmpty(std::optional<std::string> text) {
     return text && !text->empty() ? std::move(text) : std::nullopt;
 }
 
-void AddMetadata(VelmarAttribute *attributes, const std::string &element, const std::string &text) {
+void AddMetadata(VelmarAttribute *attributes, std::string_view element, const std::string &text) {
     for (const MetadataRow &row : kMetadata) {
         if (element == row.element) AddVelmarAttributeItem(attributes, row.key, text.c_str());
     }
@@ -61,19 +62,22 @@ void AddMetadata(VelmarAttribute *attributes, const std::string &element, const 
     AddVelmarAttributeItem(attributes, "st_mtime", std::to_string(static_cast<uint64_t>(seconds)).c_str());
 }
 
-std::optional<CoverItem> CoverOf(const XmlTree &manifest) {
-    for (const auto &[name, item] : manifest) {
-        if (name != "item" || XmlAttribute(item, "id") != "cover") continue;
-        std::optional<std::string> href = NotEmpty(XmlAttribute(item, "href"));
-        if (href) return CoverItem{std::move(*href), XmlAttribute(item, "media-type").value_or("")};
+std::optional<CoverItem> CoverOf(const XmlElement &manifest) {
+    for (const XmlElement *item = FindXmlElement(manifest, "item"); item != nullptr;
+         item = item->next_sibling("item")) {
+        if (XmlAttribute(*item, "id") != "cover") continue;
+        std::optional<std::string> href = NotEmpty(XmlAttribute(*item, "href"));
+        if (href) return CoverItem{std::move(*href), XmlAttribute(*item, "media-type").value_or("")};
     }
     return std::nullopt;
 }
 
-// The source of the image below one element of the page; null, and a line in the log, where there is none.
-const XmlTree *FindPageImage(const XmlTree &page, const std::string &element, const std::string &path) {
-    const XmlTree *source = FindXmlElement(page, "html.body." + element + ".img.<xmlattr>.src");
-    if (source == nullptr) {
+// The source of the image below one element of the page; a line in the log where there is none.
+std::optional<std::string> FindPageImage(const XmlElement &page, const std::string &element,
+                                         const std::string &path) {
+    const XmlElement *image = FindXmlElement(page, "html.body." + element + ".img");
+    std::optional<std::string> source = image != nullptr ? XmlAttribute(*image, "src") : std::nullopt;
+    if (!source) {
         WriteLine("\"" + path + "\" has no \"<html><body><" + element + "><img>\" element.");
     }
     return source;
@@ -82,33 +86,35 @@ const XmlTree *FindPageImage(const XmlTree &page, const std::string &element, co
 }  // namespace
 
 std::optional<std::string> ReadRootFilePath(const std::string &container_path) {
-    const std::optional<std::string> text = ReadText(container_path);
-    const std::optional<XmlTree> tree = text ? ParseXml(*text) : std::nullopt;
-    const XmlTree *root_file = tree ? FindXmlElement(*tree, "container.rootfiles.rootfile") : nullptr;
+    std::optional<std::string> text = ReadText(container_path);
+    const auto container = text ? ParseXml(std::move(*text)) : nullptr;
+    const XmlElement *root_file =
+        container ? FindXmlElement(container->top(), "container.rootfiles.rootfile") : nullptr;
     return root_file == nullptr ? std::nullopt : NotEmpty(XmlAttribute(*root_file, "full-path"));
 }
 
 int32_t ReadPackageMetadata(VelmarAttribute *attributes, const std::string &package_path) {
-    const std::optional<std::string> text = ReadText(package_path);
+    std::optional<std::string> text = ReadText(package_path);
     if (!text) return kUnreadable;
-    const std::optional<XmlTree> tree = ParseXml(*text);
-    if (!tree) return kNotWellFormed;
-    const XmlTree *metadata = FindXmlElement(*tree, "package.metadata");
+    const auto package = ParseXml(std::move(*text));
+    if (!package) return kNotWellFormed;
+    const XmlElement *metadata = FindXmlElement(package->top(), "package.metadata");
     if (metadata == nullptr) return kNoMetadata;
-    for (const auto &[name, element] : *metadata)
-        AddMetadata(attributes, name, element.data());
+    for (const XmlElement *element = metadata->first_node(); element != nullptr;
+         element = element->next_sibling())
+        AddMetadata(attributes, XmlName(*element), XmlText(*element));
     return 0;
 }
 
 std::optional<CoverItem> FindCoverItem(const std::string &package_path) {
-    const std::optional<std::string> text = ReadText(package_path);
+    std::optional<std::string> text = ReadText(package_path);
     if (!text) {
         WriteLine("Failed to open xml file: \"" + package_path + "\"");
         return std::nullopt;
     }
-    const std::optional<XmlTree> tree = ParseOrLog(*text, package_path);
-    if (!tree) return std::nullopt;
-    const XmlTree *manifest = FindXmlElement(*tree, "package.manifest");
+    const auto package = ParseOrLog(std::move(*text), package_path);
+    if (!package) return std::nullopt;
+    const XmlElement *manifest = FindXmlElement(package->top(), "package.manifest");
     if (manifest == nullptr) {
         WriteLine("\"" + package_path + "\" has no \"manifest\" element.");
         return std::nullopt;
@@ -117,13 +123,13 @@ std::optional<CoverItem> FindCoverItem(const std::string &package_path) {
 }
 
 std::optional<std::string> ReadCoverPageImage(const std::string &page_path) {
-    const std::optional<std::string> text = ReadText(page_path);
-    const std::optional<XmlTree> page = text ? ParseOrLog(*text, page_path) : std::nullopt;
+    std::optional<std::string> text = ReadText(page_path);
+    const auto page = text ? ParseOrLog(std::move(*text), page_path) : nullptr;
     if (!page) return std::nullopt;
-    const XmlTree *source = FindPageImage(*page, "p", page_path);
+    std::optional<std::string> source = FindPageImage(page->top(), "p", page_path);
     // A source that is there but empty is not looked for elsewhere.
-    if (source == nullptr) source = FindPageImage(*page, "div", page_path);
-    return source == nullptr ? std::nullopt : NotEmpty(source->data());
+    if (!source) source = FindPageImage(page->top(), "div", page_path);
+    return NotEmpty(std::move(source));
 }
 
 bool IsCoverPage(const CoverItem &item) {

@@ -3,12 +3,12 @@
 #include <cwchar>
 #include <set>
 
+#include "driver/limit_log.h"
+#include "platform/limits.h"
 #include "platform/windows/folder_search.h"
+#include "platform/windows/text.h"
 
 namespace {
-
-// Deeper than anyone keeps media. Each level holds a search open, of which a process has not many.
-constexpr int kDeepestFolder = 256;
 
 bool IsFolder(const WIN32_FIND_DATAW &entry) {
     return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -22,7 +22,9 @@ class FolderWalk {
   public:
     FolderWalk(FolderDepth depth, const FileVisitor &visit) : depth_(depth), visit_(visit) {}
 
-    void Enter(const std::wstring &folder, int level) {
+    void Enter(const std::wstring &folder, unsigned level) {
+        const LimitLog limit_log(WideToUtf8(folder));
+        if (limits::kFolderDepth.IsPassedBy(level)) return;
         FolderSearch search(folder + L"\\*", FindExInfoBasic);
         const auto identity = search.Identity(folder);
         if (!identity || !entered_.insert(*identity).second) return;
@@ -30,7 +32,7 @@ class FolderWalk {
             if (IsOwnOrParentFolder(entry)) continue;
             if (!IsFolder(entry)) {
                 visit_(folder, entry);
-            } else if (depth_ == FolderDepth::kAllLevels && level < kDeepestFolder) {
+            } else if (depth_ == FolderDepth::kAllLevels) {
                 Enter(folder + L"\\" + entry.cFileName, level + 1);
             }
         }

@@ -1,8 +1,10 @@
 #include "content/path_text.h"
 
 #include <algorithm>
+#include <new>
 
 #include "content/environment.h"
+#include "platform/windows/windows_api.h"
 
 namespace {
 
@@ -42,4 +44,14 @@ std::wstring BuildTempPathW(std::optional<std::wstring_view> folder, std::wstrin
     std::wstring path = TempFolderPath() + L'\\';
     if (folder && !folder->empty()) path.append(*folder) += L'\\';
     return path.append(name);
+}
+
+void RemoveFileQuietly(const std::wstring &path) noexcept try {
+    _wremove(path.c_str());
+} catch (const std::bad_alloc &) {
+}
+
+void RemoveFileQuietly(std::string_view utf8_path) noexcept try {
+    _wremove(Utf8ToWide(utf8_path).c_str());
+} catch (const std::bad_alloc &) {
 }

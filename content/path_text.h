@@ -33,4 +33,8 @@ std::string BuildTempPath(std::optional<std::string_view> folder, std::string_vi
 // The same in wide text. Here an empty folder, too, gives the short form.
 std::wstring BuildTempPathW(std::optional<std::wstring_view> folder, std::wstring_view name);
 
+// Removes a file where a scope ends and nothing may be thrown: one for whose path there is no memory stays.
+void RemoveFileQuietly(const std::wstring &path) noexcept;
+void RemoveFileQuietly(std::string_view utf8_path) noexcept;
+
 #endif

@@ -8,6 +8,7 @@
 
 #include "content/location_url.h"
 #include "driver/driver_log.h"
+#include "driver/limit_log.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
@@ -98,6 +99,7 @@ bool IsNumber(CFTypeRef value) {
 }
 
 CFOwner ReadPropertyListFile(const std::string &path) {
+    const LimitLog limit_log(path);
     const CFOwner url = FileUrl(path);
     const CFOwner owner(CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get())));
     auto *stream = static_cast<CFReadStreamRef>(const_cast<void *>(owner.get()));

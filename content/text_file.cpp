@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "content/glib_owner.h"
+#include "platform/limits.h"
 #include "platform/windows/file_handle.h"
 
 namespace {
@@ -21,7 +22,7 @@ constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 std::optional<std::string> ReadBytes(FILE *file) {
     if (_fseeki64(file, 0, SEEK_END) != 0) return std::nullopt;
     const int64_t size = _ftelli64(file);
-    if (size < 0 || size > static_cast<int64_t>(kMaxTextFileBytes)) return std::nullopt;
+    if (size < 0 || limits::kTextFileBytes.IsPassedBy(static_cast<uint64_t>(size))) return std::nullopt;
     if (_fseeki64(file, 0, SEEK_SET) != 0) return std::nullopt;
     std::string bytes(static_cast<size_t>(size), '\0');
     bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));

@@ -1,12 +1,8 @@
 #ifndef CONTENT_TEXT_FILE_H
 #define CONTENT_TEXT_FILE_H
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
-
-// Many times the size of the largest package document of a real book. A longer file is not read.
-inline constexpr size_t kMaxTextFileBytes = 8 << 20;
 
 // Reads a whole text document, whatever its encoding, as UTF-8: by its byte order mark, or without one as
 // UTF-8 or else in the locale's character set; bytes that are neither stand as they are. UTF-16 ends at the

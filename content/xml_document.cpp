@@ -1,30 +1,50 @@
 #include "content/xml_document.h"
 
-#include <boost/property_tree/xml_parser.hpp>
-
-#include <sstream>
+#include <algorithm>
+#include <utility>
 
 #include "content/xml_limits.h"
 
-std::optional<XmlTree> ParseXml(const std::string &text) {
-    if (!IsWithinXmlLimits(text)) return std::nullopt;
-    constexpr int kNoFlags = 0;
-    std::istringstream stream(text);
-    XmlTree tree;
+namespace rapidxml = boost::property_tree::detail::rapidxml;
+
+XmlDocument::XmlDocument(std::string text) : text_(std::move(text)) {
+    document_.parse<0>(text_.data());
+}
+
+std::unique_ptr<XmlDocument> ParseXml(std::string text) {
+    if (!IsWithinXmlLimits(text)) return nullptr;
     try {
-        boost::property_tree::read_xml(stream, tree, kNoFlags);
-    } catch (const boost::property_tree::ptree_error &) {
-        return std::nullopt;
+        return std::make_unique<XmlDocument>(std::move(text));
+    } catch (const rapidxml::parse_error &) {
+        return nullptr;
     }
-    return tree;
 }
 
-std::optional<std::string> XmlAttribute(const XmlTree &element, const std::string &name) {
-    const XmlTree *attribute = FindXmlElement(element, "<xmlattr>." + name);
-    return attribute == nullptr ? std::nullopt : std::optional(attribute->data());
+const XmlElement *FindXmlElement(const XmlElement &above, std::string_view path) {
+    const XmlElement *element = &above;
+    while (element != nullptr && !path.empty()) {
+        const std::string_view name = path.substr(0, path.find('.'));
+        element = element->first_node(name.data(), name.size());
+        path.remove_prefix(std::min(name.size() + 1, path.size()));
+    }
+    return element;
 }
 
-const XmlTree *FindXmlElement(const XmlTree &tree, const std::string &path) {
-    const auto found = tree.get_child_optional(path);
-    return found ? &*found : nullptr;
+std::string_view XmlName(const XmlElement &element) {
+    return {element.name(), element.name_size()};
+}
+
+std::string XmlText(const XmlElement &element) {
+    std::string text;
+    for (const XmlElement *part = element.first_node(); part != nullptr; part = part->next_sibling()) {
+        if (part->type() == rapidxml::node_data || part->type() == rapidxml::node_cdata)
+            text.append(part->value(), part->value_size());
+    }
+    return text;
+}
+
+std::optional<std::string> XmlAttribute(const XmlElement &element, std::string_view name) {
+    const auto *attribute = element.first_attribute(name.data(), name.size());
+    if (attribute == nullptr) return std::nullopt;
+    return std::string(attribute->value(), attribute->value_size());
 }

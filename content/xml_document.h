@@ -1,22 +1,47 @@
 #ifndef CONTENT_XML_DOCUMENT_H
 #define CONTENT_XML_DOCUMENT_H
 
-#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/detail/rapidxml.hpp>
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
-using XmlTree = boost::property_tree::ptree;
+// The parser that Boost's property trees are made with. Its nodes point into the text, where a property tree
+// would take six times the memory for copies.
+using XmlElement = boost::property_tree::detail::rapidxml::xml_node<char>;
 
-// Parses UTF-8 text. White space is kept, and the text of an element is the data of its node. Empty for text
-// that is not well-formed or beyond the limits of xml_limits.h.
-std::optional<XmlTree> ParseXml(const std::string &text);
+// A document with the text that its nodes point into.
+class XmlDocument {
+  public:
+    // Throws what the parser throws.
+    explicit XmlDocument(std::string text);
+    XmlDocument(const XmlDocument &) = delete;
+    XmlDocument &operator=(const XmlDocument &) = delete;
 
-// The value of an attribute of an element.
-std::optional<std::string> XmlAttribute(const XmlTree &element, const std::string &name);
+    // The node above the outermost element.
+    const XmlElement &top() const { return document_; }
+
+  private:
+    std::string text_;
+    boost::property_tree::detail::rapidxml::xml_document<char> document_;
+};
+
+// Parses UTF-8 text, up to the first zero byte. White space is kept. Null for text that is not well-formed or
+// beyond the limits of xml_limits.h.
+std::unique_ptr<XmlDocument> ParseXml(std::string text);
 
 // The element at a path of names with "." between them, the first of its name at each step; null if there is
 // none.
-const XmlTree *FindXmlElement(const XmlTree &tree, const std::string &path);
+const XmlElement *FindXmlElement(const XmlElement &above, std::string_view path);
+
+std::string_view XmlName(const XmlElement &element);
+
+// All text that stands directly in an element.
+std::string XmlText(const XmlElement &element);
+
+// The value of an attribute of an element.
+std::optional<std::string> XmlAttribute(const XmlElement &element, std::string_view name);
 
 #endif

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/limits.h"
+
 namespace {
 
 constexpr std::string_view kSpace = " \t\r\n";
@@ -17,7 +19,7 @@ class XmlMeasure {
         while (Find("<")) {
             ++nodes_;
             Step();
-            if (deepest_ > kMaxXmlDepth || nodes_ > kMaxXmlNodes) return false;
+            if (limits::kXmlDepth.IsPassedBy(deepest_) || limits::kXmlNodes.IsPassedBy(nodes_)) return false;
         }
         return true;
     }

@@ -1,16 +1,10 @@
 #ifndef CONTENT_XML_LIMITS_H
 #define CONTENT_XML_LIMITS_H
 
-#include <cstddef>
 #include <string_view>
 
 // The XML library calls itself for each level of elements, when it reads a document and again when it frees
 // one, and spends some hundred bytes on each node. So a document is measured before the library sees it.
-
-// Pages of real books stay below 40 levels.
-inline constexpr size_t kMaxXmlDepth = 128;
-// Tags, attributes, comments and the like: ten times those of a package document with 5000 files.
-inline constexpr size_t kMaxXmlNodes = 250000;
 
 // True when the XML library, which reads up to the first zero byte, meets no more than the limits. Where the
 // text is not well-formed, only what comes before the fault counts for certain.

@@ -19,9 +19,6 @@ struct ZipWriteCloser {
 using ZipReadHandle = std::unique_ptr<void, ZipReadCloser>;
 using ZipWriteHandle = std::unique_ptr<void, ZipWriteCloser>;
 
-// More entries than any real book or application has. Whatever walks or makes an archive stops there.
-inline constexpr uint32_t kMaxZipEntries = 65535;
-
 // What the copies in and out of archives move at a time.
 inline constexpr uint32_t kZipBlockBytes = 1024;
 

@@ -12,11 +12,6 @@ constexpr uLong kEncryptedFlag = 1;
 constexpr int kIgnoreCase = 2;
 constexpr size_t kReadBlockBytes = 64 << 10;
 
-// A pattern can come from a book. A longer one matches no name that is kept, and one that has to go back more
-// often than this is made to take forever.
-constexpr size_t kMaxPatternBytes = 4096;
-constexpr std::string_view kMatchLimit = "(*LIMIT_MATCH=10000)";
-
 bool IsUtf8(const std::string &text) {
     return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
 }
@@ -24,8 +19,9 @@ bool IsUtf8(const std::string &text) {
 // GLib takes a pattern for UTF-8 without a look, and then reads beyond its end. One that is not could match
 // no name either.
 GRegexOwner CompilePattern(const std::string &pattern) {
-    if (pattern.size() > kMaxPatternBytes || !IsUtf8(pattern)) return nullptr;
-    const std::string limited = std::string(kMatchLimit) + pattern;
+    if (limits::kPatternBytes.IsPassedBy(pattern.size()) || !IsUtf8(pattern)) return nullptr;
+    const std::string limited =
+        "(*LIMIT_MATCH=" + std::to_string(limits::kPatternSteps.value) + ")" + pattern;
     return GRegexOwner(g_regex_new(limited.c_str(), G_REGEX_CASELESS, GRegexMatchFlags(0), nullptr));
 }
 
@@ -39,7 +35,10 @@ Match MatchName(const GRegex *regex, const std::string &name) {
     const bool matches =
         g_regex_match_full(regex, name.c_str(), size, 0, G_REGEX_MATCH_ANCHORED, nullptr, &failure) != FALSE;
     const GErrorOwner failure_owner(failure);
-    if (failure != nullptr) return Match::kTooCostly;
+    if (failure != nullptr) {
+        limits::kPatternSteps.Hit();
+        return Match::kTooCostly;
+    }
     return matches ? Match::kYes : Match::kNo;
 }
 
@@ -47,9 +46,8 @@ Match MatchName(const GRegex *regex, const std::string &name) {
 
 std::optional<ZipEntry> CurrentZipEntry(unzFile zip) {
     unz_file_info64 info;
-    std::string name(kMaxZipNameBytes, '\0');
-    if (unzGetCurrentFileInfo64(zip, &info, name.data(), kMaxZipNameBytes, nullptr, 0, nullptr, 0) !=
-        UNZ_OK) {
+    std::string name(limits::kZipNameBytes.value, '\0');
+    if (unzGetCurrentFileInfo64(zip, &info, name.data(), name.size(), nullptr, 0, nullptr, 0) != UNZ_OK) {
         return std::nullopt;
     }
     // minizip ends a name with a zero byte only where there is room for one.
@@ -74,7 +72,7 @@ std::optional<std::string> FindEntryByRegex(unzFile zip, const std::string &patt
     return std::nullopt;
 }
 
-std::optional<std::string> ReadCurrentZipEntry(unzFile zip, uint64_t limit) {
+std::optional<std::string> ReadCurrentZipEntry(unzFile zip, const Limit &limit) {
     const std::optional<ZipEntry> entry = CurrentZipEntry(zip);
     if (!entry) return std::nullopt;
     ZipEntryStream stream(zip, *entry);
@@ -86,13 +84,13 @@ std::optional<std::string> ReadCurrentZipEntry(unzFile zip, uint64_t limit) {
         const int count = stream.Read(block);
         if (count < 0) return std::nullopt;
         if (count == 0) return bytes;
-        if (bytes.size() + static_cast<size_t>(count) > limit) return std::nullopt;
+        if (limit.IsPassedBy(bytes.size() + static_cast<size_t>(count))) return std::nullopt;
         bytes.append(block, 0, static_cast<size_t>(count));
     }
 }
 
 void ZipCursor::Next() {
     valid_ = unzGoToNextFile(zip_) == UNZ_OK;
-    exceeded_ = valid_ && ++steps_ > kMaxZipEntries;
+    exceeded_ = valid_ && limits::kZipEntries.IsPassedBy(++steps_);
     valid_ = valid_ && !exceeded_;
 }

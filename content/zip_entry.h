@@ -9,14 +9,10 @@
 #include <span>
 #include <string>
 
+#include "platform/limits.h"
+
 // Entries of an archive that is open for reading: finding one, which moves the cursor there, and reading the
 // one at the cursor. Names use "/" as the separator.
-
-// Longer names are cut here, and such an entry is not found by its exact name.
-inline constexpr size_t kMaxZipNameBytes = 256;
-
-// Well above any cover, icon or document of a book, and the most that one entry may take in memory.
-inline constexpr uint64_t kMaxZipEntryInMemory = 64ULL << 20;
 
 struct ZipEntry {
     std::string name;
@@ -38,7 +34,7 @@ std::optional<std::string> FindEntryByRegex(unzFile zip, const std::string &patt
 
 // The bytes of the entry at the cursor, as far as they are there; empty if it cannot be opened, is damaged,
 // or has more bytes than `limit`, whatever the archive claims.
-std::optional<std::string> ReadCurrentZipEntry(unzFile zip, uint64_t limit = kMaxZipEntryInMemory);
+std::optional<std::string> ReadCurrentZipEntry(unzFile zip, const Limit &limit);
 
 // Steps through all entries: `for (ZipCursor cursor(zip); cursor.Valid(); cursor.Next())`.
 class ZipCursor {
@@ -47,7 +43,7 @@ class ZipCursor {
 
     bool Valid() const { return valid_; }
     void Next();
-    // True if the walk ended because the archive has more entries than kMaxZipEntries.
+    // True if the walk ended because the archive has more entries than limits::kZipEntries.
     bool Exceeded() const { return exceeded_; }
 
   private:

@@ -9,6 +9,8 @@
 #include "content/glib_owner.h"
 #include "content/path_text.h"
 #include "content/zip_archive.h"
+#include "driver/limit_log.h"
+#include "platform/limits.h"
 #include "platform/velmar_path/velmar_path.h"
 #include "platform/windows/native_path.h"
 #include "platform/windows/windows_api.h"
@@ -22,9 +24,6 @@ constexpr int32_t kFileNotOpened = -4;
 constexpr int32_t kFolderNotListed = -5;
 constexpr int32_t kTooManyEntries = -6;
 constexpr int32_t kNotCompleted = -7;
-
-// Each level keeps its folder open.
-constexpr size_t kMaxFolderDepth = 64;
 
 using EntryName = std::optional<std::string>;
 
@@ -123,7 +122,7 @@ class TreePacker {
         const char *id = g_file_info_get_attribute_string(info, G_FILE_ATTRIBUTE_ID_FILE);
         Folder folder = {entry, path, id == nullptr ? "" : id, nullptr};
         if (IsEntered(folder.id)) return 0;
-        if (folders_.size() == kMaxFolderDepth) return kFolderNotListed;
+        if (limits::kPackedDepth.IsPassedBy(folders_.size() + 1)) return kFolderNotListed;
         const int32_t added = entry ? AddFolderEntry(zip_, *entry) : 0;
         if (added < 0) return added;
         folder.names.reset(g_dir_open(path.c_str(), 0, nullptr));
@@ -143,7 +142,7 @@ class TreePacker {
         const char *name = g_dir_read_name(folder.names.get());
         if (name == nullptr) {
             folders_.pop_back();
-        } else if (++entries_ > kMaxZipEntries) {
+        } else if (limits::kZipEntries.IsPassedBy(++entries_)) {
             folders_.clear();
             result_ = kTooManyEntries;
         } else {
@@ -171,7 +170,7 @@ class TemporaryFile {
         path_ = folder ? *folder + "\\" + name : name;
     }
     ~TemporaryFile() {
-        if (!path_.empty()) _wremove(Utf8ToWide(path_).c_str());
+        if (!path_.empty()) RemoveFileQuietly(path_);
     }
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
@@ -206,6 +205,7 @@ int32_t AddPathToZip(zipFile zip, const std::optional<std::string> &entry_name, 
 }
 
 int32_t ZipFolder(const std::string &folder, const std::string &zip_path) {
+    const LimitLog limit_log(folder);
     TemporaryFile temporary(zip_path);
     ZipWriteHandle zip = CreateZip(temporary.path());
     if (!zip) {

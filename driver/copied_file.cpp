@@ -48,12 +48,12 @@ bool CopiedFile::Write(std::string_view bytes) {
 
 bool CopiedFile::Keep() {
     const bool complete = file_.handle.Close();
-    if (!complete) _wremove(file_.path.c_str());
+    if (!complete) RemoveFileQuietly(file_.path);
     return complete;
 }
 
 void CopiedFile::Drop() {
     if (!file_.handle) return;
     file_.handle.Close();
-    _wremove(file_.path.c_str());
+    RemoveFileQuietly(file_.path);
 }

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-#include <vector>
 
 #include "driver/library_driver.h"
 #include "driver/path_lookup.h"
@@ -94,22 +93,32 @@ void DropNode(DriverPath *path) {
     path->owner->dropped_paths.insert(path);
 }
 
-// Hands every node of a subtree to `release`, but for those that other lists hold too, which lose one holder.
-// With a list of its own instead of recursion, as lists may be nested to any depth.
+// The node, if it is to be released with its holder; null for one that other lists hold too, which loses one.
+DriverPath *GiveUp(DriverPath *node, DriverPath *holder) {
+    if (node == nullptr) return nullptr;
+    if (node->share_count >= 2) {
+        --node->share_count;
+        return nullptr;
+    }
+    node->parent = holder;
+    return node;
+}
+
+// Hands every node of a subtree to `release`, behind those below it. Without recursion, as lists may be
+// nested, and without memory, which may be what has run out: the way back is the parent.
 void ReleaseSubtree(DriverPath *path, void (*release)(DriverPath *)) {
-    std::vector<DriverPath *> pending{path};
-    while (!pending.empty()) {
-        DriverPath *node = pending.back();
-        pending.pop_back();
-        if (node == nullptr) continue;
-        if (node->share_count >= 2) {
-            --node->share_count;
+    DriverPath *node = GiveUp(path, nullptr);
+    while (node != nullptr) {
+        const int32_t last = ChildCount(node) - 1;
+        if (last < 0) {
+            DriverPath *holder = node->parent;
+            release(node);
+            node = holder;
             continue;
         }
-        const int32_t count = ChildCount(node);
-        for (int32_t i = 0; i < count; ++i)
-            pending.push_back(ChildAt(node, i));
-        release(node);
+        DriverPath *child = GiveUp(ChildAt(node, last), node);
+        DeleteVelmarArrayItem(node->children, last);
+        if (child != nullptr) node = child;
     }
 }
 

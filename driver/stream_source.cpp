@@ -8,6 +8,7 @@
 #include "content/zip_write.h"
 #include "driver/attributes.h"
 #include "driver/driver_log.h"
+#include "driver/limit_log.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
@@ -21,6 +22,7 @@ int64_t ToNumber(std::string_view text) {
 // Neither way of fetching tells of its outcome: whether the cache file is there afterwards does.
 void FetchIcon(const DriverPath *path, const std::string &location, const std::string &icon,
                const std::string &cache) {
+    const LimitLog limit_log(location);
     if (IsAttributeTrue(path, "is_artwork")) {
         ExtractEntryToFile(location, icon, cache);
     } else {

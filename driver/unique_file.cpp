@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "content/glib_owner.h"
@@ -63,9 +64,10 @@ std::vector<bool> TakenNumbers(const NumberedName &name) {
 // The first name that `probe` finds free. What counts is the state of the folder at this call: a number that
 // was taken at the last copy may be free again, so nothing is kept between two calls. Instead of one question
 // to the system for each taken number, which would make the ten-thousandth copy of a name cost ten thousand,
-// the folder is read once; only numbers that were not seen there are asked for.
+// the folder is read once; only numbers that were not seen there are asked for. Behind a probe that makes a
+// file no memory is needed.
 template <typename Prober>
-std::optional<std::wstring> FirstFreeName(const std::wstring &path, Prober probe) {
+std::optional<std::wstring> FirstFreeName(std::wstring path, Prober probe) {
     Probe outcome = probe(path);
     if (outcome == Probe::kFree) return path;
     const NumberedName name = SplitName(path);
@@ -74,8 +76,9 @@ std::optional<std::wstring> FirstFreeName(const std::wstring &path, Prober probe
     for (uint32_t number = 1; number < kNumberLimit && outcome == Probe::kTaken; ++number) {
         if (number == kFewNumbers) seen = TakenNumbers(name);
         if (!seen.empty() && seen[number]) continue;
-        outcome = probe(name.With(number));
-        if (outcome == Probe::kFree) return name.With(number);
+        std::wstring candidate = name.With(number);
+        outcome = probe(candidate);
+        if (outcome == Probe::kFree) return candidate;
     }
     return std::nullopt;
 }
@@ -98,6 +101,6 @@ std::optional<UniqueFile> CreateUniqueFile(const std::wstring &path) {
         return errno == EEXIST ? Probe::kTaken : Probe::kFailed;
     });
     if (!found) return std::nullopt;
-    file.path = *found;
+    file.path = std::move(*found);
     return file;
 }

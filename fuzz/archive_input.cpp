@@ -59,7 +59,7 @@ std::vector<ArchiveMember> ReadMembers(std::string_view archive) {
     if (!zip) return members;
     for (ZipCursor cursor(zip.get()); cursor.Valid(); cursor.Next()) {
         const auto entry = CurrentZipEntry(zip.get());
-        const auto content = ReadCurrentZipEntry(zip.get(), kLongestContent);
+        const auto content = ReadCurrentZipEntry(zip.get(), {"bytes of a member", kLongestContent});
         if (entry) members.push_back({0, entry->name, content.value_or("")});
     }
     return members;

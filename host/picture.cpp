@@ -49,6 +49,7 @@ std::string SideText(std::optional<int64_t> side) {
 }
 
 bool HasPlausibleSize(const Picture &picture) {
+    constexpr auto kMostPixels = static_cast<int64_t>(limits::kPicturePixels.value);
     const int64_t width = picture.width.value_or(0);
     const int64_t height = picture.height.value_or(0);
     // Either side alone is small enough that the product cannot overflow.

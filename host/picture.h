@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/limits.h"
+
 namespace velmarhost {
 
 // A picture of the library as the driver gives it.
@@ -30,10 +32,8 @@ enum class PictureFormat {
     kRawBgra,
 };
 
-// More than any cover has: a picture that claims to be larger is damaged or hostile.
-constexpr int64_t kMostPixels = int64_t{4096} * 4096;
-// What so many raw pixels take. A picture file of so many bytes is none either.
-constexpr std::size_t kMostPictureBytes = static_cast<std::size_t>(kMostPixels) * 4;
+// What the most raw pixels take. A picture file of so many bytes is none either.
+constexpr std::size_t kMostPictureBytes = limits::kPicturePixels.value * 4;
 
 PictureFormat FormatOf(const Picture &picture);
 bool IsRaw(PictureFormat format);

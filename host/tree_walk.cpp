@@ -2,13 +2,9 @@
 
 #include <utility>
 
+#include "platform/limits.h"
+
 namespace velmarhost {
-namespace {
-
-// Lists nest a few levels at most; a tree that goes deeper is damaged or has a cycle.
-constexpr std::size_t kDeepestLevel = 100;
-
-}  // namespace
 
 std::string_view ReachWords(Reach reach) {
     switch (reach) {
@@ -64,7 +60,7 @@ void TreeWalk::Descend() {
 Reach TreeWalk::ReachOf(const Level &level, std::string_view name) const {
     if (name.empty()) return Reach::kNoName;
     if (name.find('/') != std::string_view::npos) return Reach::kSlashInName;
-    if (levels_.size() > kDeepestLevel) return Reach::kTooDeep;
+    if (limits::kTreeDepth.IsPassedBy(levels_.size())) return Reach::kTooDeep;
     return level.names.contains(name) ? Reach::kHiddenByEarlier : Reach::kReached;
 }
 

@@ -3,6 +3,7 @@
 #include "content/path_text.h"
 #include "content/plist_values.h"
 #include "driver/driver_log.h"
+#include "driver/limit_log.h"
 #include "library/my_music.h"
 #include "library/preferences.h"
 #include "platform/windows/text.h"
@@ -33,6 +34,7 @@ std::string XmlPath(const LibraryPreferences &preferences) {
 }
 
 int32_t OpenParser(LibraryDriver *driver) {
+    const LimitLog limit_log(driver->itl_path);
     auto parser = std::make_unique<ITLParser>(driver->itl_path.c_str());
     if (!parser->isValid()) {
         WriteDriverLog("Open iTunes Library file error!");

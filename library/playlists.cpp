@@ -4,8 +4,10 @@
 
 #include "content/plist_values.h"
 #include "driver/attributes.h"
+#include "driver/limit_log.h"
 #include "library/distinguished_kinds.h"
 #include "library/movie_pass.h"
+#include "platform/limits.h"
 
 namespace {
 
@@ -36,11 +38,18 @@ int32_t SubcategoryOf(const DistinguishedKind &kind, const PlaylistRecord &recor
     return record.is_folder ? node_subcategory::kPlaylistFolder : node_subcategory::kPlaylist;
 }
 
-// A list whose parent is not there (yet) hangs where its kind belongs.
+bool HasRoomForLists(const DriverPath *parent) {
+    uint64_t levels = 1;
+    while ((parent = parent->parent) != nullptr)
+        ++levels;
+    return !limits::kListNesting.IsPassedBy(levels);
+}
+
+// A list whose parent is not there (yet), or lies too deep, hangs where its kind belongs.
 DriverPath *HolderOf(LibraryDriver *driver, const PlaylistRecord &record, DriverPath *usual) {
     if (!record.parent_persistent_id) return usual;
     DriverPath *parent = FindPathByPersistentId(driver, *record.parent_persistent_id);
-    return parent != nullptr ? parent : usual;
+    return parent != nullptr && HasRoomForLists(parent) ? parent : usual;
 }
 
 void LoadParserPlaylists(LibraryDriver *driver) {
@@ -87,6 +96,7 @@ void LoadXmlPlaylists(LibraryDriver *driver) {
     const void *value = CFDictionaryGetValue(library, CFSTR("Playlists"));
     if (!IsArray(value)) return;
     const auto playlists = static_cast<CFArrayRef>(value);
+    const LimitLog limit_log(driver->xml_path);
     const CFIndex count = CFArrayGetCount(playlists);
     for (CFIndex i = 0; i < count; ++i) {
         const void *playlist = CFArrayGetValueAtIndex(playlists, i);

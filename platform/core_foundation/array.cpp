@@ -3,8 +3,11 @@
 
 namespace core_foundation {
 
-void MutableArray::HandOverReferences(std::vector<const Value *> &references) {
-    references.insert(references.end(), values_.begin(), values_.end());
+bool MutableArray::TakeReference(const Value *&reference) {
+    if (values_.empty()) return false;
+    reference = values_.back();
+    values_.pop_back();
+    return true;
 }
 
 void MutableArray::Append(const Value *value) {

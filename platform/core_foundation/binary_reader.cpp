@@ -7,23 +7,20 @@
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/tree_builder.h"
 #include "platform/core_foundation/utf_text.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
 namespace {
 
-// Containers may share their content, so a small file can describe a tree of any size. Written out as a tree
-// it may be so many times its file, and beyond that it is refused.
-constexpr uint64_t kMaxExpansion = 256;
-constexpr uint64_t kAlwaysAllowedExpansion = 1 << 20;
-
+// An open object is inside itself when it is met again.
 enum class State : uint8_t { kUnread, kOpen, kRead };
 
-// An object of the file. An open one is inside itself when it is met again.
+// An object of the file. There may be one for every few bytes of it, so their states stand in a row of their
+// own.
 struct Object {
     Value value;
     uint64_t tree_size = 0;  // as bytes of a tree that shares nothing
-    State state = State::kUnread;
 };
 
 struct Trailer {
@@ -86,6 +83,7 @@ class BinaryReader {
         if (trailer_.object_count > file_.size() || trailer_.root >= trailer_.object_count) return false;
         if (!IsInside(trailer_.offsets, trailer_.object_count * trailer_.offset_size)) return false;
         objects_.resize(trailer_.object_count);
+        states_.resize(trailer_.object_count);
         bytes_left_ = file_.size();
         return true;
     }
@@ -130,15 +128,15 @@ class BinaryReader {
 
     // Reads a scalar, or begins a container. False for damage, and for an object inside itself.
     bool ReadObject(size_t index) {
-        Object &object = objects_[index];
-        if (object.state != State::kUnread) return object.state == State::kRead;
+        if (states_[index] != State::kUnread) return states_[index] == State::kRead;
         std::optional<Marker> marker = MarkerOf(index);
         if (!marker) return false;
         if (marker->type >= kArrayMarker) return BeginContainer(index, *marker);
         const std::optional<Value> value = ReadScalar(*marker);
         if (!value) return false;
         const bool has_length = value->type == ValueType::kString || value->type == ValueType::kData;
-        object = {*value, sizeof(Value) + (has_length ? value->length : 0), State::kRead};
+        objects_[index] = {*value, sizeof(Value) + (has_length ? value->length : 0)};
+        states_[index] = State::kRead;
         return true;
     }
 
@@ -208,7 +206,7 @@ class BinaryReader {
         converted_.resize(bytes.size() / 2 * kMaxUtf8PerUnit);
         const char *end = Utf16ToUtf8(bytes.data(), bytes.size() / 2, true, converted_.data());
         const std::string_view text(converted_.data(), static_cast<size_t>(end - converted_.data()));
-        if (text.size() > kMaxLength) return std::nullopt;
+        if (limits::kListBytes.IsPassedBy(text.size())) return std::nullopt;
         return MakeString(builder_.document().CopyText(text), text.size(), IsAscii(text));
     }
 
@@ -219,7 +217,7 @@ class BinaryReader {
         const size_t references = is_dictionary ? 2 : 1;
         if (!count || !Charge(marker.content, *count * references * trailer_.reference_size)) return false;
         if (!builder_.Open(is_dictionary ? ValueType::kDictionary : ValueType::kArray)) return false;
-        objects_[index].state = State::kOpen;
+        states_[index] = State::kOpen;
         objects_[index].tree_size = sizeof(Value);
         open_.push_back({index, is_dictionary, marker.content, *count});
         return true;
@@ -234,7 +232,7 @@ class BinaryReader {
         if (container.is_dictionary && !builder_.AwaitsValue() && !ReadKey(container)) return false;
         const auto child = ReferenceAt(container.references + item * trailer_.reference_size);
         if (!child || !ReadObject(*child)) return false;
-        if (objects_[*child].state == State::kOpen) return true;
+        if (states_[*child] == State::kOpen) return true;
         ++container.next;
         builder_.Push(objects_[*child].value);
         return AddTreeSize(container.object, objects_[*child].tree_size);
@@ -244,7 +242,7 @@ class BinaryReader {
         const auto key = ReferenceAt(container.references + container.next * trailer_.reference_size);
         if (!key || !ReadObject(*key)) return false;
         const Object &object = objects_[*key];
-        if (object.state != State::kRead || object.value.type != ValueType::kString) return false;
+        if (states_[*key] != State::kRead || object.value.type != ValueType::kString) return false;
         builder_.PushKey(TextOf(object.value), Has(object.value, kAscii));
         return AddTreeSize(container.object, object.tree_size);
     }
@@ -252,13 +250,13 @@ class BinaryReader {
     bool AddTreeSize(size_t container, uint64_t size) {
         uint64_t &total = objects_[container].tree_size;
         total += size;
-        return total <= std::max(kAlwaysAllowedExpansion, kMaxExpansion * file_.size());
+        return total <= limits::kListFreeBytes || !limits::kListExpansion.IsPassedBy(total / file_.size());
     }
 
     bool CloseContainer() {
-        Object &object = objects_[open_.back().object];
-        object.value = builder_.Close();
-        object.state = State::kRead;
+        const size_t object = open_.back().object;
+        objects_[object].value = builder_.Close();
+        states_[object] = State::kRead;
         open_.pop_back();
         return true;
     }
@@ -267,6 +265,7 @@ class BinaryReader {
     TreeBuilder builder_;
     Trailer trailer_ = {};
     std::vector<Object> objects_;
+    std::vector<State> states_;  // of the objects
     std::vector<OpenContainer> open_;
     uint64_t bytes_left_ = 0;
     std::string converted_;

@@ -16,7 +16,7 @@ namespace core_foundation {
 class MutableArray : public HeapObject {
   public:
     MutableArray() : HeapObject(ValueType::kArray) { flags |= kMutable; }
-    void HandOverReferences(std::vector<const Value *> &references) override;
+    bool TakeReference(const Value *&reference) override;
 
     void Append(const Value *value);
     const std::vector<const Value *> &values() const { return values_; }
@@ -33,7 +33,7 @@ class MutableDictionary : public HeapObject {
     };
 
     MutableDictionary() : HeapObject(ValueType::kDictionary) { flags |= kMutable; }
-    void HandOverReferences(std::vector<const Value *> &references) override;
+    bool TakeReference(const Value *&reference) override;
 
     // Adds unless the key is present.
     void Add(const Value *key, const Value *value);

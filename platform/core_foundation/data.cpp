@@ -5,6 +5,7 @@
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/core_foundation/document.h"
 #include "platform/core_foundation/heap_object.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
@@ -49,7 +50,8 @@ void CopyBytes(uint8_t *target, const uint8_t *source, size_t count) {
 using namespace core_foundation;
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8 *bytes, CFIndex length) {
-    if (length < 0 || (bytes == nullptr && length > 0) || static_cast<size_t>(length) > kMaxLength)
+    if (length < 0 || (bytes == nullptr && length > 0) ||
+        limits::kListBytes.IsPassedBy(static_cast<size_t>(length)))
         return nullptr;
     const auto size = static_cast<size_t>(length);
     auto *data = new DataObject;
@@ -81,7 +83,7 @@ void CFDataReplaceBytes(CFMutableDataRef data, CFRange range, const UInt8 *new_b
     const auto inserted = static_cast<size_t>(new_length);
     const size_t after = value.length - before - replaced;
     const size_t length = before + inserted + after;
-    if (length > kMaxLength) return;
+    if (limits::kListBytes.IsPassedBy(length)) return;
     uint8_t *target = length <= value.length ? value.bytes : NewStorageFor(value, length);
     if (target == nullptr) return;
     if (target != value.bytes) CopyBytes(target, value.bytes, before);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "platform/core_foundation/container.h"
 #include "platform/core_foundation/core_foundation.h"
@@ -7,12 +8,17 @@
 
 namespace core_foundation {
 
-void MutableDictionary::HandOverReferences(std::vector<const Value *> &references) {
-    by_key_.clear();
-    for (const Entry &entry : entries_) {
-        references.push_back(entry.key);
-        references.push_back(entry.value);
+bool MutableDictionary::TakeReference(const Value *&reference) {
+    if (!by_key_.empty()) by_key_.clear();
+    if (entries_.empty()) return false;
+    Entry &entry = entries_.back();
+    if (entry.key != nullptr) {
+        reference = std::exchange(entry.key, nullptr);
+    } else {
+        reference = entry.value;
+        entries_.pop_back();
     }
+    return true;
 }
 
 void MutableDictionary::Add(const Value *key, const Value *value) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/windows/native_path.h"
@@ -65,8 +66,12 @@ bool WriteStream::Write(std::string_view content) {
 }
 
 void WriteStream::Close() {
-    // The C interface has no place for the result of a close; a commit that fails leaves the old file.
-    if (file_) static_cast<void>(file_->Commit());
+    // The C interface has no place for the result of a close, nor for an exception; a commit that fails, be
+    // it for want of memory, leaves the old file.
+    try {
+        if (file_) static_cast<void>(file_->Commit());
+    } catch (const std::bad_alloc &) {
+    }
     file_.reset();
 }
 

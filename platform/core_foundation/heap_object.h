@@ -3,7 +3,6 @@
 #define PLATFORM_CORE_FOUNDATION_HEAP_OBJECT_H
 
 #include <atomic>
-#include <vector>
 
 #include "platform/core_foundation/value.h"
 
@@ -19,15 +18,17 @@ class HeapObject : public Value {
     HeapObject(const HeapObject &) = delete;
     HeapObject &operator=(const HeapObject &) = delete;
 
-    // Hands over the references that the object holds, before it is destroyed: a structure of any depth is
-    // then released by a loop and not by nested destructors.
-    virtual void HandOverReferences(std::vector<const Value *> &) {}
+    // Gives up one reference that the object holds, before it is destroyed: a structure of any depth is then
+    // released by a loop and not by nested destructors. False when it holds no more.
+    virtual bool TakeReference(const Value *&) { return false; }
 
   private:
     friend void RetainValue(const Value *value);
     friend void ReleaseValue(const Value *value);
+    static HeapObject *DropReference(const Value *value);
 
     std::atomic<intptr_t> references_{1};
+    HeapObject *holder_ = nullptr;  // of an object that is being released: what held it and is being so too
 };
 
 // A scalar that carries nothing but the record itself.

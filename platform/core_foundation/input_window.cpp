@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/core_foundation/value.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
@@ -36,8 +37,8 @@ bool InputWindow::ReadAll() {
 }
 
 bool InputWindow::Resize(size_t size) {
-    MemoryBlock grown(std::min(size, kMaxLength) + kPadding);
-    failed_ = !grown || view().size() >= kMaxLength;
+    MemoryBlock grown(std::min<size_t>(size, limits::kListBytes.value) + kPadding);
+    failed_ = !grown || limits::kListBytes.IsPassedBy(view().size() + 1);
     if (failed_) return false;
     if (!view().empty()) std::memcpy(grown.data(), begin_, view().size());
     end_ = grown.data() + view().size();

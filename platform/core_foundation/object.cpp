@@ -19,20 +19,27 @@ void RetainValue(const Value *value) {
     }
 }
 
+// The object whose last reference this was, or null.
+HeapObject *HeapObject::DropReference(const Value *value) {
+    if (value == nullptr || Has(*value, kConstant)) return nullptr;
+    if (!Has(*value, kOnHeap)) {
+        if (Document *document = Document::Of(value)) document->Release();
+        return nullptr;
+    }
+    auto *object = static_cast<HeapObject *>(const_cast<Value *>(value));
+    return object->references_.fetch_sub(1, std::memory_order_acq_rel) == 1 ? object : nullptr;
+}
+
+// Needs no memory, which may be what has run out.
 void ReleaseValue(const Value *value) {
-    std::vector<const Value *> pending{value};
-    while (!pending.empty()) {
-        value = pending.back();
-        pending.pop_back();
-        if (value == nullptr || Has(*value, kConstant)) continue;
-        if (!Has(*value, kOnHeap)) {
-            if (Document *document = Document::Of(value)) document->Release();
-            continue;
+    HeapObject *object = HeapObject::DropReference(value);
+    while (object != nullptr) {
+        const Value *reference = nullptr;
+        if (!object->TakeReference(reference)) {
+            delete std::exchange(object, object->holder_);
+        } else if (HeapObject *held = HeapObject::DropReference(reference)) {
+            held->holder_ = std::exchange(object, held);
         }
-        auto *object = static_cast<HeapObject *>(const_cast<Value *>(value));
-        if (object->references_.fetch_sub(1, std::memory_order_acq_rel) != 1) continue;
-        object->HandOverReferences(pending);
-        delete object;
     }
 }
 

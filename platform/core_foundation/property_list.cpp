@@ -10,6 +10,7 @@
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/utf_text.h"
 #include "platform/core_foundation/writer.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
@@ -38,6 +39,7 @@ ReadResult ReadText(InputWindow &window, Document &document) {
     if (LooksLikeXml(TrimSpace(window.view())))
         return {ReadXml(window, document), kCFPropertyListXMLFormat_v1_0};
     if (!window.ReadAll()) return {};
+    if (limits::kOldStyleBytes.IsPassedBy(window.view().size())) return {};
     return {ReadOldStyle(window.view(), document), kCFPropertyListOpenStepFormat};
 }
 
@@ -76,7 +78,8 @@ CFPropertyListRef ReadList(ByteSource &source, CFPropertyListFormat *format) try
     return nullptr;
 }
 
-bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) {
+// False without memory too: what has been written until then is no list.
+bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) try {
     switch (format) {
         case kCFPropertyListXMLFormat_v1_0:
             return WriteXml(root, out);
@@ -87,6 +90,8 @@ bool WriteAs(CFPropertyListFormat format, const Value &root, std::string &out) {
         default:
             return false;
     }
+} catch (const std::bad_alloc &) {
+    return false;
 }
 
 void ClearError(CFErrorRef *error) {

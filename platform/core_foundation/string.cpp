@@ -7,6 +7,7 @@
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/core_foundation/heap_object.h"
 #include "platform/core_foundation/utf_text.h"
+#include "platform/limits.h"
 
 namespace core_foundation {
 
@@ -56,7 +57,7 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8 *bytes, CFIndex 
                                     CFStringEncoding encoding, Boolean) {
     if (encoding != kCFStringEncodingUTF8 || count < 0 || (bytes == nullptr && count > 0)) return nullptr;
     const std::string_view text(reinterpret_cast<const char *>(bytes), static_cast<size_t>(count));
-    if (text.size() > kMaxLength) return nullptr;
+    if (limits::kListBytes.IsPassedBy(text.size())) return nullptr;
     return ToReference<CFStringRef>(new StringObject(text));
 }
 

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "platform/limits.h"
+
 namespace core_foundation {
 
 namespace {
@@ -37,7 +39,7 @@ void TreeBuilder::Grow() {
 }
 
 bool TreeBuilder::Open(ValueType type) {
-    if (frames_.size() == kMaxDepth) return false;
+    if (limits::kListDepth.IsPassedBy(frames_.size() + 1)) return false;
     ++top_;
     if (top_ == limit_) Grow();
     top_->key = nullptr;

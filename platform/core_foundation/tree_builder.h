@@ -21,7 +21,7 @@ class TreeBuilder {
   public:
     explicit TreeBuilder(Document &document) : document_(document) { Grow(); }
 
-    // Begins an array or a dictionary; false when it would lie deeper than kMaxDepth.
+    // Begins an array or a dictionary; false when it would lie deeper than limits::kListDepth.
     bool Open(ValueType type);
     // Ends the innermost container and takes it from the stack: the caller pushes it where it belongs.
     Value Close();

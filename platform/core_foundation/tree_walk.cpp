@@ -1,5 +1,7 @@
 #include "platform/core_foundation/tree_walk.h"
 
+#include "platform/limits.h"
+
 namespace core_foundation {
 
 bool TreeWalk::Next() {
@@ -21,7 +23,7 @@ bool TreeWalk::Visit(const Value &value, bool is_key) {
     event_ = is_key ? Event::kKey : Event::kScalar;
     if (!IsContainer(value)) return true;
     event_ = Event::kOpen;
-    is_too_deep_ = open_.size() == kMaxDepth;
+    is_too_deep_ = limits::kListDepth.IsPassedBy(open_.size() + 1);
     if (is_too_deep_) return false;
     open_.push_back({&value, ChildrenOf(value)});
     return true;

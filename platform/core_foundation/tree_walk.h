@@ -19,7 +19,8 @@ class TreeWalk {
 
     explicit TreeWalk(const Value &root) : root_(&root) {}
 
-    // False at the end, and when containers lie deeper than kMaxDepth: a mutable one may hold itself.
+    // False at the end, and when containers lie deeper than limits::kListDepth: a mutable one may hold
+    // itself.
     bool Next();
 
     Event event() const { return event_; }

@@ -8,7 +8,6 @@
 #define PLATFORM_CORE_FOUNDATION_VALUE_H
 
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 #include "platform/core_foundation/core_foundation.h"
@@ -83,12 +82,6 @@ struct Members {
     const Value *values() const { return reinterpret_cast<const Value *>(this + 1); }
 };
 static_assert(sizeof(Members) % alignof(Value) == 0);
-
-// Lengths are 32 bits wide, so no text, no data and no file may be longer.
-constexpr size_t kMaxLength = std::numeric_limits<uint32_t>::max() - 1;
-
-// Containers inside containers, in every format. Real lists stay below 20.
-constexpr size_t kMaxDepth = 512;
 
 inline const Value *ToValue(CFTypeRef reference) {
     return static_cast<const Value *>(reference);

@@ -8,6 +8,8 @@
 #include <array>
 #include <limits>
 
+#include "platform/limits.h"
+
 namespace itl_parser {
 
 namespace {
@@ -41,6 +43,13 @@ bool InflatingSource::ReadInput() {
     return stream.avail_in > 0;
 }
 
+bool InflatingSource::IsTooLong() const {
+    if (limits::kItlBodyBytes.IsPassedBy(total_out_)) return true;
+    const bool is_bomb = total_out_ > limits::kItlFreeBytes + limits::kItlExpansion.value * total_in_;
+    if (is_bomb) limits::kItlExpansion.Hit();
+    return is_bomb;
+}
+
 std::optional<size_t> InflatingSource::Read(char *buffer, size_t size) {
     inflate_state &stream = state_->stream;
     size = std::min<size_t>(size, std::numeric_limits<uint32_t>::max());
@@ -53,8 +62,7 @@ std::optional<size_t> InflatingSource::Read(char *buffer, size_t size) {
         if (isal_inflate(&stream) != ISAL_DECOMP_OK) return std::nullopt;
         if (stream.avail_in == in_before && stream.avail_out == out_before) return std::nullopt;
         total_out_ += out_before - stream.avail_out;
-        if (total_out_ > std::min(kFreeExpansion + kMostExpansion * total_in_, kLongestBody))
-            return std::nullopt;
+        if (IsTooLong()) return std::nullopt;
     }
     return size - stream.avail_out;
 }

@@ -10,14 +10,6 @@
 
 namespace itl_parser {
 
-// How far a body may expand. Deflate reaches a factor of about 1030, so a small file could keep a reader busy
-// for minutes. Real files of some size expand 8 to 13 times; the smallest 27 times, to 0.1 MB, as they are
-// hardly more than empty lists, and lists alone would not come to much more.
-constexpr uint64_t kMostExpansion = 64;
-constexpr uint64_t kFreeExpansion = uint64_t{1} << 20;
-// Seven times what the largest libraries known, of a hundred thousand tracks, come to.
-constexpr uint64_t kLongestBody = uint64_t{1} << 30;
-
 // The content of a zlib stream, piece by piece. What follows the stream is left alone.
 class InflatingSource : public core_foundation::ByteSource {
   public:
@@ -31,6 +23,7 @@ class InflatingSource : public core_foundation::ByteSource {
     struct State;
 
     bool ReadInput();
+    bool IsTooLong() const;
 
     core_foundation::ByteSource &compressed_;
     std::unique_ptr<State> state_;

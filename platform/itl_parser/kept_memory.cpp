@@ -13,4 +13,9 @@ std::string_view KeptMemory::Keep(std::string_view text, std::string_view same) 
     return {copy, text.size()};
 }
 
+void KeptMemory::Refuse() {
+    limits::kItlKeptExpansion.Hit();
+    throw std::bad_alloc();
+}
+
 }  // namespace itl_parser

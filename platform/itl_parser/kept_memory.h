@@ -7,13 +7,9 @@
 #include <type_traits>
 
 #include "platform/core_foundation/document.h"
+#include "platform/limits.h"
 
 namespace itl_parser {
-
-// What may be kept of a file: so many times its length, and a constant. Of a real library two to three times
-// the length is kept; a crafted file, which deflate makes small, could demand a hundred times as much.
-constexpr size_t kMostKeptPerByte = 16;
-constexpr size_t kFreeKept = size_t{16} << 20;
 
 // How often a growing vector may hold what is put into it: while it moves, the old and the new room count.
 constexpr size_t kVectorShare = 3;
@@ -21,12 +17,14 @@ constexpr size_t kVectorShare = 3;
 // Memory for what is read of a file, up to a limit. Given back as a whole.
 class KeptMemory {
   public:
-    void SetLimit(size_t file_length) { left_ = kFreeKept + kMostKeptPerByte * file_length; }
+    void SetLimit(size_t file_length) {
+        left_ = limits::kItlFreeKeptBytes + limits::kItlKeptExpansion.value * file_length;
+    }
 
     // Accounts for memory that somebody else allocates. Throws std::bad_alloc beyond the limit, as the others
     // here do.
     void Charge(size_t bytes) {
-        if (bytes > left_) throw std::bad_alloc();
+        if (bytes > left_) Refuse();
         left_ -= bytes;
     }
 
@@ -44,7 +42,9 @@ class KeptMemory {
   private:
     static constexpr size_t kAlignment = 8;
 
-    size_t left_ = kFreeKept;
+    [[noreturn]] static void Refuse();
+
+    size_t left_ = limits::kItlFreeKeptBytes;
     core_foundation::Arena records_;
     core_foundation::Arena texts_;
 };

@@ -17,6 +17,7 @@
 #include "platform/itl_parser/persistent_id.h"
 #include "platform/itl_parser/playlists.h"
 #include "platform/itl_parser/tracks.h"
+#include "platform/limits.h"
 
 namespace itl_parser {
 
@@ -90,7 +91,8 @@ class SectionReader {
 
 bool ReadFile(ByteSource &file, uint64_t file_length, LibraryContent &content) {
     std::array<char, kEnvelopeBytes> start;
-    if (file_length > kLongestFile || file.Read(start.data(), start.size()) != start.size()) return false;
+    if (limits::kItlFileBytes.IsPassedBy(file_length)) return false;
+    if (file.Read(start.data(), start.size()) != start.size()) return false;
     const auto envelope = ReadEnvelope({start.data(), start.size()}, file_length);
     if (!envelope || !ReadOn(file, envelope->header_length - start.size())) return false;
     content.memory.SetLimit(file_length);

@@ -8,9 +8,6 @@
 
 namespace itl_parser {
 
-// The largest libraries known have some 20 MB.
-constexpr uint64_t kLongestFile = uint64_t{512} << 20;
-
 // Reads a whole file in one pass through a window of 256 KB. False for a file that is damaged or of a form
 // that is not known, and when it would take more memory than there is or KeptMemory allows; then the content
 // is of no use.

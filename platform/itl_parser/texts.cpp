@@ -2,6 +2,7 @@
 
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/utf_text.h"
+#include "platform/limits.h"
 
 namespace itl_parser {
 
@@ -26,7 +27,7 @@ std::optional<std::string_view> TextReader::Read(const Record &object, std::stri
     if (start == nullptr) return std::nullopt;
     const uint32_t encoding = LoadU32(start, cursor_.order());
     const uint32_t length = LoadU32(start + 4, cursor_.order());
-    if (length > payload - kTextStart || length > kLongestText) return std::nullopt;
+    if (length > payload - kTextStart || limits::kItlTextBytes.IsPassedBy(length)) return std::nullopt;
     start = cursor_.Peek(kTextStart + length);
     if (start == nullptr) return std::nullopt;
     const auto text = Decode(encoding, {start + kTextStart, length});
@@ -35,7 +36,7 @@ std::optional<std::string_view> TextReader::Read(const Record &object, std::stri
 
 std::optional<std::string_view> TextReader::ReadAsBase64(const Record &object) {
     const uint64_t payload = object.end - object.header_end;
-    if (payload > kLongestText || !cursor_.MoveTo(object.header_end)) return std::nullopt;
+    if (limits::kItlTextBytes.IsPassedBy(payload) || !cursor_.MoveTo(object.header_end)) return std::nullopt;
     const char *bytes = cursor_.Peek(payload);
     if (bytes == nullptr) return std::nullopt;
     room_.clear();

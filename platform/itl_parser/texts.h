@@ -24,10 +24,6 @@ namespace itl_parser {
 
 constexpr RecordKind kDataObject = {Tag("hohm"), 16, 16, true};
 
-// The longest texts that iTunes itself writes, descriptions of podcasts, have 4 KB; of those that are read
-// here, names and locations, none has 1 KB.
-constexpr size_t kLongestText = size_t{64} << 10;
-
 inline uint32_t TypeOf(const Record &object) {
     return object.fields.U32(0x0C);
 }

@@ -8,8 +8,8 @@
 // load where the system has them at hand, and cost half a load where a virtual machine has to fetch them
 // first.
 
-// Zeroed and ready to be touched, or null: a block is filled as soon as it is there, so all its pages are
-// fetched at once. `bytes` is not 0, and the same in both calls.
+// Zeroed, or null. `bytes` is not 0, and the same in both calls. The pages of a block of usual size, which is
+// filled as soon as it is there, are fetched at once.
 void *MapPages(size_t bytes);
 void UnmapPages(void *memory, size_t bytes);
 

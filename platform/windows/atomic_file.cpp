@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/limits.h"
 #include "platform/windows/file_descriptor.h"
 #include "platform/windows/native_path.h"
 #include "platform/windows/path_resolution.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr int kMaxLinks = 40;  // as many as the system follows
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPrivateMode = 0600;
 constexpr mode_t kPermissions = 0777;
@@ -26,7 +26,7 @@ constexpr mode_t kPermissions = 0777;
 // read or if there are too many.
 std::optional<std::string> FollowLinks(std::string path) {
     std::array<char, PATH_MAX> target;
-    for (int links = 0; links < kMaxLinks; ++links) {
+    for (uint64_t links = 0; !limits::kLinks.IsPassedBy(links + 1); ++links) {
         const ssize_t size = readlink(path.c_str(), target.data(), target.size());
         if (size < 0 && errno != EINVAL && errno != ENOENT) return std::nullopt;
         if (size < 0) return path;
@@ -67,12 +67,12 @@ struct AtomicFile::State {
         const bool exists = stat(target.c_str(), &old) == 0;
         if (!exists && errno != ENOENT) return false;
         if (exists && (!S_ISREG(old.st_mode) || access(target.c_str(), W_OK) != 0)) return false;
-        const std::string path = TemporaryPathIn(FolderOf(target));
+        std::string path = TemporaryPathIn(FolderOf(target));
         const mode_t mode = exists ? kPrivateMode : kNewFileMode;
         file = FileDescriptor(Uninterrupted(
             [&] { return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode); }));
         if (!file) return false;
-        temporary = path;
+        temporary = std::move(path);  // needs no memory, now that there is a file
         return !exists || TakeOver(file.get(), old);
     }
 };

@@ -6,14 +6,13 @@
 #include <optional>
 #include <string>
 
+#include "platform/limits.h"
 #include "platform/windows/atomic_file.h"
 #include "platform/windows/text.h"
 #include "platform/windows/windows_api.h"
 
 namespace {
 
-// Pictures are what is fetched: a few hundred kilobytes at most, while somebody waits.
-constexpr curl_off_t kMaxBytes = 32 << 20;
 constexpr long kConnectSeconds = 10;
 constexpr long kTotalSeconds = 60;
 constexpr long kMaxRedirects = 10;
@@ -26,15 +25,16 @@ using Easy = std::unique_ptr<CURL, EasyCloser>;
 
 struct Transfer {
     AtomicFile file;
-    curl_off_t size = 0;
+    uint64_t size = 0;
 };
 
 // Taking fewer bytes than offered ends the transfer. The size is counted here too: a server need not announce
 // it.
 size_t TakeBytes(const char *bytes, size_t, size_t count, void *context) {
     auto *const transfer = static_cast<Transfer *>(context);
-    transfer->size += static_cast<curl_off_t>(count);
-    const bool taken = transfer->size <= kMaxBytes && transfer->file.Write(bytes, count);
+    transfer->size += count;
+    const bool taken =
+        !limits::kDownloadBytes.IsPassedBy(transfer->size) && transfer->file.Write(bytes, count);
     return taken ? count : 0;
 }
 
@@ -56,12 +56,14 @@ bool Fetch(CURL *easy, const std::string &url, Transfer &transfer) {
     set(CURLOPT_MAXREDIRS, kMaxRedirects);
     set(CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
     set(CURLOPT_TIMEOUT, kTotalSeconds);
-    set(CURLOPT_MAXFILESIZE_LARGE, kMaxBytes);
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(limits::kDownloadBytes.value));
     set(CURLOPT_FAILONERROR, 1L);
     set(CURLOPT_NOSIGNAL, 1L);  // a timer signal would hit a thread of the host
     set(CURLOPT_WRITEFUNCTION, &TakeBytes);
     set(CURLOPT_WRITEDATA, static_cast<void *>(&transfer));
-    return ready && curl_easy_perform(easy) == CURLE_OK;
+    const CURLcode result = ready ? curl_easy_perform(easy) : CURLE_FAILED_INIT;
+    if (result == CURLE_FILESIZE_EXCEEDED) limits::kDownloadBytes.Hit();
+    return result == CURLE_OK;
 }
 
 }  // namespace

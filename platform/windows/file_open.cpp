@@ -85,9 +85,14 @@ FILE *_wfopen(const wchar_t *path, const wchar_t *mode_text) {
     const bool creates = (mode->flags & O_CREAT) != 0;
     if (creates && !IsWindowsFileName(FileNameOf(spelled.text))) return Fail(EINVAL);
     FileDescriptor file(OpenOrCreate(spelled, mode->flags));
-    if (!file || !IsPlainFile(file.get())) return Fail(errno);
-    FILE *const stream = fdopen(file.get(), mode->stdio_mode.c_str());
-    if (stream == nullptr) return Fail(errno);
+    if (!file) return Fail(errno);
+    FILE *const stream = IsPlainFile(file.get()) ? fdopen(file.get(), mode->stdio_mode.c_str()) : nullptr;
+    if (stream == nullptr) {
+        const int error = errno;
+        // What was made only now is of no use to anybody.
+        if ((mode->flags & O_EXCL) != 0) unlink(ResolveSpelling(spelled).c_str());
+        return Fail(error);
+    }
     file.Release();
     return stream;
 }

@@ -31,10 +31,11 @@ FILETIME ToFileTime(const struct statx_timestamp &time) {
     return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
-// False for an entry that has vanished meanwhile.
+// False for an entry that has vanished meanwhile. One that cannot be looked at is there, and may be anything.
 bool FillStatus(int folder, const char *name, WIN32_FIND_DATAW &entry) {
     struct statx status;
-    if (ReadStatus(folder, name, AT_SYMLINK_NOFOLLOW, status) != 0) return false;
+    entry.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+    if (ReadStatus(folder, name, AT_SYMLINK_NOFOLLOW, status) != 0) return errno != ENOENT;
     const bool is_link = S_ISLNK(status.stx_mode);
     struct statx target;
     if (is_link && ReadStatus(folder, name, 0, target) == 0) status = target;
@@ -66,13 +67,24 @@ bool FillEntry(const Search &search, const dirent &found, WIN32_FIND_DATAW &entr
     return true;
 }
 
-bool ReadNext(const Search &search, WIN32_FIND_DATAW &entry) {
-    const bool matches_all = search.pattern == L"*";
-    while (const dirent *found = readdir(search.directory.get())) {
-        if (!matches_all && !MatchesPattern(search.pattern, FoldName(found->d_name))) continue;
-        if (FillEntry(search, *found, entry)) return true;
+// The next entry that matches, or null.
+const dirent *NextMatch(const Search &search) {
+    errno = 0;
+    const dirent *found = readdir(search.directory.get());
+    while (found != nullptr && search.pattern != L"*" &&
+           !MatchesPattern(search.pattern, FoldName(found->d_name))) {
+        errno = 0;
+        found = readdir(search.directory.get());
     }
-    return false;
+    return found;
+}
+
+// ERROR_NO_MORE_FILES at the end; another error where the folder cannot be read on.
+DWORD ReadNext(const Search &search, WIN32_FIND_DATAW &entry) {
+    while (const dirent *found = NextMatch(search)) {
+        if (FillEntry(search, *found, entry)) return ERROR_SUCCESS;
+    }
+    return errno == 0 ? ERROR_NO_MORE_FILES : WindowsError(errno);
 }
 
 Directory OpenFolderOf(const SpelledPath &spelled) {
@@ -104,14 +116,16 @@ HANDLE FindFirstFileExW(LPCWSTR pattern, FINDEX_INFO_LEVELS level, LPVOID entry,
     search->level = level;
     search->pattern = FoldName(FileNameOf(spelled.text));
     if (search->pattern == L"*.*") search->pattern = L"*";
-    if (!ReadNext(*search, *static_cast<WIN32_FIND_DATAW *>(entry)))
-        return FailedSearch(ERROR_FILE_NOT_FOUND);
+    const DWORD error = ReadNext(*search, *static_cast<WIN32_FIND_DATAW *>(entry));
+    if (error != ERROR_SUCCESS)
+        return FailedSearch(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);
     return search.release();
 }
 
 BOOL FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW entry) {
     if (search == nullptr || search == INVALID_HANDLE_VALUE) return FailWith(ERROR_INVALID_HANDLE);
-    return ReadNext(*static_cast<Search *>(search), *entry) ? TRUE : FailWith(ERROR_NO_MORE_FILES);
+    const DWORD error = ReadNext(*static_cast<Search *>(search), *entry);
+    return error == ERROR_SUCCESS ? TRUE : FailWith(error);
 }
 
 BOOL FindClose(HANDLE search) {

@@ -20,7 +20,9 @@ class FolderSearch {
   public:
     explicit FolderSearch(const std::wstring &pattern, FINDEX_INFO_LEVELS level = FindExInfoStandard)
         : search_(FindFirstFileExW(pattern.c_str(), level, &entry_, FindExSearchNameMatch, nullptr,
-                                   FIND_FIRST_EX_LARGE_FETCH)) {}
+                                   FIND_FIRST_EX_LARGE_FETCH)) {
+        if (search_ == INVALID_HANDLE_VALUE) error_ = GetLastError();
+    }
     ~FolderSearch() { Close(); }
     FolderSearch(const FolderSearch &) = delete;
     FolderSearch &operator=(const FolderSearch &) = delete;
@@ -50,12 +52,18 @@ class FolderSearch {
         return search_ == INVALID_HANDLE_VALUE ? std::nullopt : IdentifySearch(search_, folder);
     }
 
+    // True when the search is at its end, and not because the folder could not be read on.
+    bool IsComplete() const { return error_ == ERROR_NO_MORE_FILES || error_ == ERROR_FILE_NOT_FOUND; }
+    DWORD error() const { return error_; }
+
     Iterator begin() { return Iterator(this); }
     std::default_sentinel_t end() const { return std::default_sentinel; }
 
   private:
     void Advance() {
-        if (FindNextFileW(search_, &entry_) == FALSE) Close();
+        if (FindNextFileW(search_, &entry_) != FALSE) return;
+        error_ = GetLastError();
+        Close();
     }
     void Close() {
         if (search_ != INVALID_HANDLE_VALUE) FindClose(search_);
@@ -64,6 +72,7 @@ class FolderSearch {
 
     WIN32_FIND_DATAW entry_ = {};
     HANDLE search_;
+    DWORD error_ = ERROR_SUCCESS;
 };
 
 #endif

@@ -66,10 +66,12 @@ std::vector<std::string> ExpandSource(const std::wstring &path, FirstError &erro
     const std::string folder = FolderOf(ResolveSpelling(spelled)) + "/";
     if (!IsFolder(folder)) error.Add(ERROR_PATH_NOT_FOUND);
     std::vector<std::string> entries;
-    for (const WIN32_FIND_DATAW &entry : FolderSearch(path)) {
+    FolderSearch search(path, FindExInfoBasic);
+    for (const WIN32_FIND_DATAW &entry : search) {
         const std::string name = WideToUtf8(entry.cFileName);
         if (name != "." && name != "..") entries.push_back(folder + name);
     }
+    if (!search.IsComplete()) error.Add(static_cast<int>(search.error()));
     return entries;
 }
 

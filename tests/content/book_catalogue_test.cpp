@@ -9,9 +9,9 @@
 #include "content/plist_values.h"
 #include "tests/content/epub_files.h"
 #include "tests/driver/copy_fixture.h"
-#include "tests/platform/windows/faulty_system_calls.h"
 #include "tests/support/archive_files.h"
 #include "tests/support/property_list_xml.h"
+#include "tests/support/system_faults.h"
 
 namespace {
 
@@ -244,7 +244,7 @@ TEST(BookCatalogue, IsWholeOrCompleteAfterAFaultAtAnyCall) {
             before = ReadWholeFile(fixture.catalogue / "Books.plist");
             const std::string path = fixture.folder.Write("wine/dosdevices/k:/Books/b", Book()).string();
             {
-                const FaultInjection injection(Fault::kFail, call);
+                const FaultInjection injection({}, call);
                 AddToBookCatalogue("K:\\Books\\b", type);
                 hit = call == 0 || injection.WasHit();
             }

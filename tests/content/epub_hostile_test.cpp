@@ -8,6 +8,7 @@
 
 #include "content/book.h"
 #include "content/book_scan.h"
+#include "platform/limits.h"
 #include "tests/content/captured_log.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
@@ -60,7 +61,17 @@ TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
         EXPECT_TRUE(tree.IsListedBare(name)) << name;
     EXPECT_EQ(AddLocalBook(tree.At({"Books"}), tree.Location("Books\\deep folder.epub")), 0);
     EXPECT_TRUE(tree.IsListedBare("deep folder.epub"));
-    EXPECT_THAT(log.lines(), testing::ElementsAre(testing::HasSubstr("Failed to parse xml file: \"")));
+    const auto limit_line = [](const Limit &limit, const std::string &path) {
+        return "[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" + path + "\"";
+    };
+    const auto at = [&](const char *name) { return tree.Location(std::string("Books\\") + name); };
+    EXPECT_THAT(log.lines(),
+                testing::UnorderedElementsAre(testing::HasSubstr("Failed to parse xml file: \""),
+                                              limit_line(limits::kXmlDepth, at("deep container.epub")),
+                                              limit_line(limits::kXmlDepth, at("deep package.epub")),
+                                              limit_line(limits::kXmlDepth, at("deep folder.epub")),
+                                              limit_line(limits::kZipExpansion, at("huge container.epub")),
+                                              limit_line(limits::kZipExpansion, at("huge package.epub"))));
 }
 
 // An archive may hold entries of such names; the temporary copy that the book speaks of lies elsewhere.

@@ -46,12 +46,12 @@ TEST_F(ZipExtractTest, SearchLeavesTheCursorOnTheEntryFound) {
     const ZipReadHandle zip = OpenZipForRead(path);
     ASSERT_TRUE(zip);
     EXPECT_EQ(FindEntryByRegex(zip.get(), "^payload/[^/]+/info.plist$"), "Payload/A.app/Info.plist");
-    EXPECT_EQ(ReadCurrentZipEntry(zip.get()), "2");
+    EXPECT_EQ(ReadCurrentZipEntry(zip.get(), limits::kZipEntryBytes), "2");
     EXPECT_EQ(FindEntryByRegex(zip.get(), "Info.plist"), std::nullopt)
         << "a match begins at the first character";
     EXPECT_EQ(FindEntryByRegex(zip.get(), "Payload/"), "Payload/A.app/Info.plist") << "and may end anywhere";
     EXPECT_TRUE(LocateZipEntry(zip.get(), "PAYLOAD/a.app/SUB/info.plist"));
-    EXPECT_EQ(ReadCurrentZipEntry(zip.get()), "3");
+    EXPECT_EQ(ReadCurrentZipEntry(zip.get(), limits::kZipEntryBytes), "3");
     EXPECT_FALSE(LocateZipEntry(zip.get(), "Payload/A.app/InfoXplist"));
 }
 

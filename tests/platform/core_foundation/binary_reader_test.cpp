@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/core_foundation/value.h"
+#include "platform/limits.h"
 #include "tests/platform/core_foundation/list_text.h"
 
 namespace {
@@ -123,8 +124,8 @@ TEST(BinaryReader, RefusesTooDeepNesting) {
         objects.push_back(Bytes({0xA0}));
         return Binary(objects, {2, 2, 0});
     };
-    EXPECT_NE(DescribeBytes(nested(core_foundation::kMaxDepth)), "null");
-    EXPECT_EQ(DescribeBytes(nested(core_foundation::kMaxDepth + 1)), "null");
+    EXPECT_NE(DescribeBytes(nested(limits::kListDepth.value)), "null");
+    EXPECT_EQ(DescribeBytes(nested(limits::kListDepth.value + 1)), "null");
 }
 
 // Sharing is allowed, but not to describe a tree out of proportion to the file.

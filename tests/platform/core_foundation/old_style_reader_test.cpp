@@ -7,6 +7,7 @@
 
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/core_foundation/value.h"
+#include "platform/limits.h"
 #include "tests/platform/core_foundation/list_text.h"
 #include "tests/support/temp_folder.h"
 
@@ -80,8 +81,8 @@ TEST(OldStyleReader, RefusesDamage) {
 
 TEST(OldStyleReader, RefusesTooDeepNesting) {
     const auto nested = [](size_t depth) { return std::string(depth, '(') + std::string(depth, ')'); };
-    EXPECT_NE(DescribeBytes(nested(core_foundation::kMaxDepth)), "null");
-    EXPECT_EQ(DescribeBytes(nested(core_foundation::kMaxDepth + 1)), "null");
+    EXPECT_NE(DescribeBytes(nested(limits::kListDepth.value)), "null");
+    EXPECT_EQ(DescribeBytes(nested(limits::kListDepth.value + 1)), "null");
     EXPECT_EQ(DescribeBytes(std::string(1'000'000, '(')), "null");
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/core_foundation/value.h"
+#include "platform/limits.h"
 #include "tests/platform/core_foundation/list_text.h"
 
 namespace {
@@ -189,8 +190,8 @@ TEST(XmlReader, RefusesDamagedStructure) {
 
 TEST(XmlReader, RefusesTooDeepNesting) {
     const auto nested = [](size_t depth) { return Repeat("<array>", depth) + Repeat("</array>", depth); };
-    EXPECT_NE(DescribeBytes(Plist(nested(core_foundation::kMaxDepth))), "null");
-    EXPECT_EQ(DescribeBytes(Plist(nested(core_foundation::kMaxDepth + 1))), "null");
+    EXPECT_NE(DescribeBytes(Plist(nested(limits::kListDepth.value))), "null");
+    EXPECT_EQ(DescribeBytes(Plist(nested(limits::kListDepth.value + 1))), "null");
     EXPECT_EQ(DescribeBytes(Repeat("<array>", 1'000'000)), "null");
 }
 

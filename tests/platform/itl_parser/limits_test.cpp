@@ -3,6 +3,7 @@
 
 #include "platform/itl_parser/inflate.h"
 #include "platform/itl_parser/texts.h"
+#include "platform/limits.h"
 #include "tests/platform/itl_parser/parsed_library.h"
 #include "tests/support/byte_text.h"
 
@@ -19,7 +20,7 @@ std::string Repeated(const std::string &piece, size_t count) {
 TEST(ItlLimits, ABodyThatExpandsTooFarIsGivenUpEarly) {
     const ItlFile file(ItlForm12());
     auto sections = file.Sections();
-    sections.push_back(file.Section(4, Zeros(itl_parser::kFreeExpansion)));
+    sections.push_back(file.Section(4, Zeros(limits::kItlFreeBytes)));
     EXPECT_TRUE(ParsedLibrary(file.Bytes(sections)).valid) << "a small body may be as empty as it likes";
     sections.push_back(file.Section(4, Zeros(size_t{256} << 20)));
     const std::string bytes = file.Bytes(sections);
@@ -50,11 +51,11 @@ TEST(ItlLimits, AFileOfWhichTooMuchWouldBeKeptIsGivenUpEarly) {
 }
 
 TEST(ItlLimits, ATextOfAnyLengthBelowTheLimitIsRead) {
-    for (const size_t length : {itl_parser::kLongestText, itl_parser::kLongestText + 1}) {
+    for (const size_t length : {limits::kItlTextBytes.value, limits::kItlTextBytes.value + 1}) {
         for (const ItlForm &form : {ItlForm8(), ItlForm12()}) {
             ItlFile file(form);
             file.AddTrack({.id = 1, .texts = {{kItlName, std::string(length, 'x')}}});
-            EXPECT_EQ(ParsedLibrary(file.Bytes()).valid, length == itl_parser::kLongestText);
+            EXPECT_EQ(ParsedLibrary(file.Bytes()).valid, length == limits::kItlTextBytes.value);
         }
     }
 }

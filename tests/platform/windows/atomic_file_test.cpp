@@ -9,8 +9,8 @@
 #include <functional>
 #include <string>
 
-#include "tests/platform/windows/faulty_system_calls.h"
 #include "tests/platform/windows/folder_contents.h"
+#include "tests/support/system_faults.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ TEST(AtomicFile, AFaultAtAnyCallLeavesTheOldFileOrTheNewOne) {
             const Contents before = FolderContents(folder.path());
             bool replaced = false;
             {
-                const FaultInjection injection(Fault::kFail, ++call);
+                const FaultInjection injection({}, ++call);
                 replaced = ReplaceFile(path);
                 hit = injection.WasHit();
             }
@@ -91,7 +91,7 @@ TEST(AtomicFile, TheEndOfTheProcessAtAnyCallLeavesTheOldFileOrTheNewOne) {
             const pid_t child = fork();
             ++call;
             if (child == 0) {
-                const FaultInjection injection(Fault::kDie, call);
+                const FaultInjection injection({FaultKind::kDeath}, call);
                 ReplaceFile(path);
                 _exit(1);
             }
@@ -110,7 +110,7 @@ TEST(AtomicFile, TheEndOfTheProcessAtAnyCallLeavesTheOldFileOrTheNewOne) {
 }
 
 // How many single calls can meet a fault without harm to the replacement.
-int CountHarmlessFaults(Fault fault) {
+int CountHarmlessFaults(const Fault &fault) {
     int harmless = 0;
     int call = 0;
     for (bool hit = true; hit;) {
@@ -127,9 +127,9 @@ int CountHarmlessFaults(Fault fault) {
 
 TEST(AtomicFile, InterruptedCallsAndShortWritesAreContinued) {
     // Those that may wait, and so be interrupted: three opens and closes, two writes, two flushes.
-    EXPECT_GE(CountHarmlessFaults(Fault::kInterrupted), 8);
+    EXPECT_GE(CountHarmlessFaults({FaultKind::kError, EINTR}), 8);
     // No other call knows what a short write is.
-    EXPECT_GE(CountHarmlessFaults(Fault::kShort), 12);
+    EXPECT_GE(CountHarmlessFaults({FaultKind::kShort}), 12);
 }
 
 TEST(AtomicFile, WithoutACommitNothingChanges) {

@@ -8,8 +8,8 @@
 
 #include "platform/windows/text.h"
 #include "platform/windows/windows_api.h"
-#include "tests/platform/windows/faulty_system_calls.h"
 #include "tests/platform/windows/folder_contents.h"
+#include "tests/support/system_faults.h"
 
 namespace {
 
@@ -158,7 +158,7 @@ void ExpectNothingLost(const Merge &merge, int result, const std::string &where)
     std::vector<std::string> expected = AllBytes(FolderContents(Merge().place.path()));
     const std::vector<std::string> found = AllBytes(whole);
     EXPECT_TRUE(std::includes(found.begin(), found.end(), expected.begin(), expected.end())) << where;
-    EXPECT_EQ(result == 0, fs::is_empty(merge.from)) << where;
+    EXPECT_TRUE(result != 0 || fs::is_empty(merge.from)) << where;
 }
 
 TEST(ShellMove, AFaultAtAnyCallLosesNothing) {
@@ -170,7 +170,7 @@ TEST(ShellMove, AFaultAtAnyCallLosesNothing) {
             {
                 const std::unique_ptr<FoldersAreFileSystems> separated(across ? new FoldersAreFileSystems
                                                                               : nullptr);
-                const FaultInjection injection(Fault::kFail, ++call);
+                const FaultInjection injection({}, ++call);
                 result = merge.Run();
                 hit = injection.WasHit();
             }
@@ -235,7 +235,7 @@ TEST(ShellDelete, TakesALinkForItself) {
 
 TEST(ShellDelete, GoesOnPastWhatCannotBeRemoved) {
     const Merge merge;
-    const FaultInjection injection(Fault::kFail, 12);
+    const FaultInjection injection({}, 20);
     EXPECT_NE(Delete(merge.from.string()), 0);
     EXPECT_LE(FolderContents(merge.from).size(), 4U);
 }
