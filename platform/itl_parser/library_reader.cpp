@@ -16,6 +16,7 @@
 #include "platform/itl_parser/inflate.h"
 #include "platform/itl_parser/persistent_id.h"
 #include "platform/itl_parser/playlists.h"
+#include "platform/itl_parser/read_ahead.h"
 #include "platform/itl_parser/tracks.h"
 #include "platform/limits.h"
 
@@ -89,6 +90,16 @@ class SectionReader {
     bool has_playlists_ = false;
 };
 
+// A body of some size is inflated on a thread of its own; a small one is done before a thread has begun.
+constexpr uint64_t kLeastReadAhead = uint64_t{1} << 20;
+
+bool ReadBody(ByteSource &body, const Envelope &envelope, LibraryContent &content) {
+    std::optional<ReadAheadSource> ahead;
+    if (envelope.is_compressed && envelope.body_length >= kLeastReadAhead) ahead.emplace(body);
+    RecordCursor cursor(ahead ? static_cast<ByteSource &>(*ahead) : body, envelope.order);
+    return SectionReader(cursor, content).Read(envelope.section_count);
+}
+
 bool ReadFile(ByteSource &file, uint64_t file_length, LibraryContent &content) {
     std::array<char, kEnvelopeBytes> start;
     if (limits::kItlFileBytes.IsPassedBy(file_length)) return false;
@@ -102,9 +113,8 @@ bool ReadFile(ByteSource &file, uint64_t file_length, LibraryContent &content) {
     DecryptingSource plain(file, envelope->encrypted_length);
     std::optional<InflatingSource> inflated;
     if (envelope->is_compressed) inflated.emplace(plain);
-    RecordCursor cursor(inflated ? static_cast<ByteSource &>(*inflated) : plain, envelope->order);
     // iTunes may have cut or prolonged the file meanwhile.
-    return SectionReader(cursor, content).Read(envelope->section_count) &&
+    return ReadBody(inflated ? static_cast<ByteSource &>(*inflated) : plain, *envelope, content) &&
            ReadOn(plain, RecordCursor::kNoLimit) && plain.total() == envelope->body_length;
 }
 

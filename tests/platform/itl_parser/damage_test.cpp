@@ -79,6 +79,26 @@ TEST(DamagedItl, NoCutIsTaken) {
     }
 }
 
+// A larger body is inflated on a thread of its own, which ends wherever the file, or the interest in it,
+// does.
+TEST(DamagedItl, OfALargeFileIsRefusedWhereverItLies) {
+    const ItlFile file = SmallLibrary(ItlForm12());
+    std::string noise;
+    for (std::uint32_t i = 0, state = 1; i < (3U << 20); ++i, state = state * 1664525 + 1013904223)
+        noise += static_cast<char>(state >> 24);
+    auto sections = file.Sections();
+    sections.push_back(file.Section(4, noise));
+    const std::string bytes = file.Bytes(sections);
+    ASSERT_GT(bytes.size(), size_t{3} << 20);
+    EXPECT_EQ(Describe(bytes), Describe(file.Bytes()));
+    for (size_t part = 1; part < 16; ++part)
+        EXPECT_EQ(Describe(WithLength(bytes.substr(0, bytes.size() * part / 16))), "refused") << part;
+    sections.insert(sections.begin(), "no section");
+    EXPECT_EQ(Describe(file.Bytes(sections)), "refused");
+    sections[0] = std::string(noise.rbegin(), noise.rend());
+    EXPECT_EQ(Describe(file.Bytes(sections)), "refused");
+}
+
 TEST(DamagedItl, OfTheWholeFile) {
     Damage damage(19040101);
     for (const ItlForm &form : AllItlForms()) {
