@@ -1,11 +1,19 @@
-// Whatever a file holds, reading it takes no more memory than some times its size. How the time grows is for
-// the benchmark to say.
+// Whatever a file holds, reading it takes no more memory than some times its size, and none of it stays. How
+// the time grows is for the benchmark to say.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
+#include <fstream>
+
 #include "bench/growth_cases.h"
 #include "bench/measure.h"
+#include "driver/library_driver.h"
+#include "driver/rescan.h"
 #include "platform/velmar_path/velmar_path.h"
+#include "tests/support/artwork_file.h"
+#include "tests/support/generated_library.h"
+#include "tests/support/library_place.h"
+#include "tests/support/media_files.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -23,6 +31,33 @@ TEST(Growth, MemoryStaysInProportionToTheInput) {
         const double peak = MeasureInChild(input.read).peak_bytes;
         EXPECT_TRUE(peak <= allowed || kHasSanitizer) << growth.name << ": " << peak << " of " << allowed;
     }
+    SetVelmarLogHandler(nullptr, nullptr);
+}
+
+TEST(Growth, AThousandLoadsLeaveNoMemoryBehind) {
+    constexpr int kCycles = 1000;
+    SetVelmarLogHandler([](const char *, void *) {}, nullptr);
+    const TempFolder home;
+    const LibraryPlace place = MakeLibraryPlace(home.path());
+    GenerateLibrary(place.library_xml, {.tracks = 200, .lists = 5, .items = 20});
+    for (const char *name : {"a.mp3", "b.mp3"}) {
+        std::ofstream(place.add_folder / name, std::ios::binary)
+            << Mp3File(1, {"Song", "Artist", "Album", "Rock", 1980, 1, PngPicture(8)});
+    }
+    const ScopedEnvironmentValues environment(place.environment);
+    const auto repeat = [](int count) {
+        for (int i = 0; i < count; ++i) {
+            LibraryDriver driver;
+            Require(CreateLibrary(&driver) == 0, "a library cannot be loaded");
+            RescanLocalFolders(&driver);
+            DestroyLibrary(&driver);
+        }
+    };
+    const auto held_after = [&](int count) {
+        return MeasureInChild([&, count] { repeat(count); }).held_bytes;
+    };
+    const double held = held_after(kCycles) - held_after(1);
+    EXPECT_TRUE(held <= 2 << 20 || kHasSanitizer) << held;
     SetVelmarLogHandler(nullptr, nullptr);
 }
 
