@@ -7,6 +7,7 @@
 #include "artwork/file_attributes.h"
 #include "artwork/temporary_path.h"
 #include "artwork/thumb_node.h"
+#include "content/file_stamp.h"
 #include "content/glib_owner.h"
 #include "content/path_text.h"
 #include "content/zip_extract.h"
@@ -42,12 +43,6 @@ bool IsReadable(const std::string &path) {
     return IsPlainFile(path) && _waccess(Utf8ToWide(path).c_str(), kReadable) == 0;
 }
 
-std::optional<int64_t> SizeOf(const std::string &path) {
-    struct _stat64 status = {};
-    if (_wstat64(Utf8ToWide(path).c_str(), &status) != 0) return std::nullopt;
-    return status.st_size;
-}
-
 // The unpacked cover, there or not. Empty if the archive gives none or if there is no place for it.
 std::optional<std::string> UnpackCover(const std::string &book, const std::string &cover) {
     const LimitLog limit_log(book);
@@ -63,7 +58,7 @@ std::optional<std::string> UnpackCover(const std::string &book, const std::strin
 int32_t AddPackedCover(DriverPath *thumb, const std::string &book, const std::string &cover) {
     const auto file = UnpackCover(book, cover);
     if (!file) return 0;
-    const auto size = SizeOf(*file);
+    const auto size = SizeOfFile(*file);
     if (size == 0) return -1;
     AddCover(thumb, cover, *file, size.value_or(0));
     return 0;

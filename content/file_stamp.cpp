@@ -17,6 +17,12 @@ bool PathExists(const std::string &path) {
     return _waccess(Utf8ToWide(path).c_str(), kExistence) == 0;
 }
 
+std::optional<int64_t> SizeOfFile(const std::string &path) {
+    struct _stat64 status = {};
+    if (_wstat64(Utf8ToWide(path).c_str(), &status) != 0) return std::nullopt;
+    return status.st_size;
+}
+
 std::optional<FileStamp> StampOfFile(const std::string &path) {
     struct _stat64 status = {};
     if (_wstat64(Utf8ToWide(path).c_str(), &status) != 0) return std::nullopt;

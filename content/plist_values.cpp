@@ -14,7 +14,6 @@
 namespace {
 
 struct StreamCloser {
-    void operator()(CFReadStreamRef stream) const { CFReadStreamClose(stream); }
     void operator()(CFWriteStreamRef stream) const { CFWriteStreamClose(stream); }
 };
 
@@ -98,15 +97,31 @@ bool IsNumber(CFTypeRef value) {
     return value != nullptr && CFGetTypeID(value) == Types().number;
 }
 
+PropertyListFile::PropertyListFile(const std::string &path)
+    : owner_(CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(FileUrl(path).get()))),
+      is_open_(owner_ != nullptr && CFReadStreamOpen(stream())) {}
+
+PropertyListFile::~PropertyListFile() {
+    if (is_open_) CFReadStreamClose(stream());
+}
+
+CFReadStreamRef PropertyListFile::stream() const {
+    return static_cast<CFReadStreamRef>(const_cast<void *>(owner_.get()));
+}
+
+CFOwner PropertyListFile::Read() {
+    return CFOwner(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream(), 0, kCFPropertyListImmutable,
+                                                  nullptr, nullptr));
+}
+
+CFOwner PropertyListFile::Read(const core_foundation::DictionaryWatch &watch) {
+    return CFOwner(core_foundation::ReadWatchedList(stream(), watch));
+}
+
 CFOwner ReadPropertyListFile(const std::string &path) {
     const LimitLog limit_log(path);
-    const CFOwner url = FileUrl(path);
-    const CFOwner owner(CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get())));
-    auto *stream = static_cast<CFReadStreamRef>(const_cast<void *>(owner.get()));
-    if (stream == nullptr || !CFReadStreamOpen(stream)) return nullptr;
-    const std::unique_ptr<__CFReadStream, StreamCloser> closer(stream);
-    return CFOwner(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream, 0, kCFPropertyListImmutable,
-                                                  nullptr, nullptr));
+    PropertyListFile file(path);
+    return file.IsOpen() ? file.Read() : nullptr;
 }
 
 int32_t WritePropertyListFile(const std::string &path, CFPropertyListRef plist, CFPropertyListFormat format) {

@@ -8,6 +8,7 @@
 
 #include "platform/core_foundation/cf_owner.h"
 #include "platform/core_foundation/core_foundation.h"
+#include "platform/core_foundation/dictionary_watch.h"
 
 // Flag of a value's text: a string is a file URL and is given as a path.
 constexpr int32_t kTextIsLocation = 4;
@@ -15,6 +16,26 @@ constexpr int32_t kTextIsLocation = 4;
 // The root value of a property-list file, of any type; null when the file is missing or no property list.
 // `path` is UTF-8.
 CFOwner ReadPropertyListFile(const std::string &path);
+
+// A property-list file that is open for reading, or not if it cannot be opened. Read gives the root value
+// once, or null; it writes no log, so any one thread may call it.
+class PropertyListFile {
+  public:
+    explicit PropertyListFile(const std::string &path);
+    ~PropertyListFile();
+    PropertyListFile(const PropertyListFile &) = delete;
+    PropertyListFile &operator=(const PropertyListFile &) = delete;
+
+    bool IsOpen() const { return is_open_; }
+    CFOwner Read();
+    CFOwner Read(const core_foundation::DictionaryWatch &watch);
+
+  private:
+    CFReadStreamRef stream() const;
+
+    CFOwner owner_;
+    bool is_open_;
+};
 
 // Replaces a file by a property list in the given format. 0; -2 when the file cannot be opened for writing. A
 // write that fails later leaves the old file as it was, and still gives 0.

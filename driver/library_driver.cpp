@@ -47,17 +47,6 @@ void IndexCategoryRoots(LibraryDriver *driver) {
         IndexChildNames(ChildAt(library, i));
 }
 
-// A track that no list and no root holds is not met when the tree is released.
-void ReleaseLooseTracks(LibraryDriver *driver) {
-    const int32_t count = GetVelmarArraySize(driver->tracks);
-    for (int32_t i = 0; i < count; ++i) {
-        void *item = nullptr;
-        GetVelmarArrayItem(driver->tracks, i, &item);
-        auto *track = static_cast<DriverPath *>(item);
-        if (track != nullptr && track->parent == nullptr && track->share_count == 0) ReleaseDriverPath(track);
-    }
-}
-
 // The tree holds all that it wants of the library's list, which is as large as the tree. What stays of it
 // tells that there was one.
 void ReleaseListContent(LibraryDriver *driver) {

@@ -1,9 +1,9 @@
 #include "library/library_files.h"
 
 #include "content/path_text.h"
-#include "content/plist_values.h"
 #include "driver/driver_log.h"
 #include "driver/limit_log.h"
+#include "library/list_reading.h"
 #include "library/my_music.h"
 #include "library/preferences.h"
 #include "platform/windows/text.h"
@@ -55,6 +55,6 @@ int32_t LoadLibraryFiles(LibraryDriver *driver) {
     const size_t end = driver->xml_path.rfind('\\');
     // Without a folder of the library no artwork is looked for.
     driver->library_folder = end == std::string::npos ? std::string() : driver->xml_path.substr(0, end);
-    driver->library_plist = ReadPropertyListFile(driver->xml_path);
+    driver->library_plist = ReadLibraryList(driver);
     return driver->library_plist ? 0 : OpenParser(driver);
 }

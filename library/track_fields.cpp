@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "content/file_stamp.h"
 #include "content/location_url.h"
 #include "content/path_text.h"
 #include "library/track_import.h"
@@ -42,10 +43,8 @@ std::string_view NumberText(int64_t number, std::string &room) {
 
 std::optional<std::string_view> SizeText(const Track &track, std::string &room) {
     if (track.size != kSizeOfFile) return NumberText(track.size, room);
-    struct __stat64 status = {};
-    const std::wstring path = Utf8ToWide(LocationUrlToPath(track.location));
-    if (_wstat64(path.c_str(), &status) != 0) return std::nullopt;
-    return NumberText(status.st_size, room);
+    const auto size = SizeOfFile(LocationUrlToPath(track.location));
+    return size ? std::optional(NumberText(*size, room)) : std::nullopt;
 }
 
 }  // namespace

@@ -51,13 +51,6 @@ void AddTrackAttribute(DriverPath *path, size_t row, std::string_view text) {
     if (row == kLocationRow) ExtensionOfPath(text).copy(path->list_extension, kLongestListExtension);
 }
 
-void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
-    const auto count = static_cast<size_t>(CFDictionaryGetCount(dictionary));
-    room.keys.resize(count);
-    room.values.resize(count);
-    CFDictionaryGetKeysAndValues(dictionary, room.keys.data(), room.values.data());
-}
-
 std::optional<size_t> RowOf(const void *key, TrackImportRoom &room) {
     const uintptr_t place = reinterpret_cast<uintptr_t>(key) / 16;
     TrackImportRoom::KnownKey &known = room.known_keys[(place ^ (place >> 8)) % room.known_keys.size()];
@@ -121,10 +114,7 @@ void LoadXmlTracks(LibraryDriver *driver, TrackImportRoom &room) {
     }
 }
 
-}  // namespace
-
-int32_t LoadTracks(LibraryDriver *driver) {
-    if (driver == nullptr || (!IsDictionary(driver->library_plist.get()) && !driver->parser)) return -1;
+void ImportTracks(LibraryDriver *driver) {
     AllocVelmarArray(&driver->tracks);
     TrackImportRoom room;
     if (driver->parser) {
@@ -132,7 +122,31 @@ int32_t LoadTracks(LibraryDriver *driver) {
     } else {
         LoadXmlTracks(driver, room);
     }
+}
+
+}  // namespace
+
+void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room) {
+    const auto count = static_cast<size_t>(CFDictionaryGetCount(dictionary));
+    room.keys.resize(count);
+    room.values.resize(count);
+    CFDictionaryGetKeysAndValues(dictionary, room.keys.data(), room.values.data());
+}
+
+int32_t LoadTracks(LibraryDriver *driver) {
+    if (driver == nullptr || (!IsDictionary(driver->library_plist.get()) && !driver->parser)) return -1;
+    if (driver->tracks == nullptr) ImportTracks(driver);
     return FindAddFolder(driver);
+}
+
+void ReleaseLooseTracks(LibraryDriver *driver) {
+    const int32_t count = GetVelmarArraySize(driver->tracks);
+    for (int32_t i = 0; i < count; ++i) {
+        void *item = nullptr;
+        GetVelmarArrayItem(driver->tracks, i, &item);
+        auto *track = static_cast<DriverPath *>(item);
+        if (track != nullptr && track->parent == nullptr && track->share_count == 0) ReleaseDriverPath(track);
+    }
 }
 
 DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, TrackImportRoom &room) {

@@ -24,9 +24,15 @@ struct TrackImportRoom {
     std::string text;
 };
 
-// Makes a path for every track of the library's source and puts it into `tracks`, then finds the add folder,
-// whose result it gives. -1 when there is no usable source.
+// The keys and values of a dictionary.
+void ReadEntries(CFDictionaryRef dictionary, TrackImportRoom &room);
+
+// Makes a path for every track of the library's source and puts it into `tracks`, unless that was done while
+// the source was read, then finds the add folder, whose result it gives. -1 when there is no usable source.
 int32_t LoadTracks(LibraryDriver *driver);
+
+// Releases the tracks that no list and no root holds: the end of the tree does not meet them.
+void ReleaseLooseTracks(LibraryDriver *driver);
 
 // Makes a track of the XML file: `id` and the attributes of its entry, which may be of any type.
 DriverPath *CreateTrack(LibraryDriver *driver, const char *id, CFTypeRef entry, TrackImportRoom &room);

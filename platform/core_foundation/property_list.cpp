@@ -34,10 +34,10 @@ struct ReadResult {
     CFPropertyListFormat format;
 };
 
-ReadResult ReadText(InputWindow &window, Document &document) {
+ReadResult ReadText(InputWindow &window, Document &document, const DictionaryWatch *watch) {
     if (window.view().starts_with(kUtf8Mark)) window.Skip(kUtf8Mark.size());
     if (LooksLikeXml(TrimSpace(window.view())))
-        return {ReadXml(window, document), kCFPropertyListXMLFormat_v1_0};
+        return {ReadXml(window, document, watch), kCFPropertyListXMLFormat_v1_0};
     if (!window.ReadAll()) return {};
     if (limits::kOldStyleBytes.IsPassedBy(window.view().size())) return {};
     return {ReadOldStyle(window.view(), document), kCFPropertyListOpenStepFormat};
@@ -51,30 +51,37 @@ ReadResult ReadUtf16(InputWindow &window, bool big_endian, Document &document) {
     const char *end = Utf16ToUtf8(window.begin(), units, big_endian, converted.data());
     MemorySource source({converted.data(), static_cast<size_t>(end - converted.data())});
     InputWindow text(source);
-    return text.Begin() ? ReadText(text, document) : ReadResult{};
+    return text.Begin() ? ReadText(text, document, nullptr) : ReadResult{};
 }
 
-ReadResult ReadAny(InputWindow &window, Document &document) {
+ReadResult ReadAny(InputWindow &window, Document &document, const DictionaryWatch *watch) {
     if (!window.Begin()) return {};
     if (window.view().starts_with(kBinaryMagic)) {
         if (!window.ReadAll()) return {};
         return {ReadBinary(window.view(), document), kCFPropertyListBinaryFormat_v1_0};
     }
     const Encoding encoding = EncodingOf(window.view());
-    if (encoding == Encoding::kUtf8) return ReadText(window, document);
+    if (encoding == Encoding::kUtf8) return ReadText(window, document, watch);
     return ReadUtf16(window, encoding == Encoding::kUtf16BigEndian, document);
 }
 
 // Memory may run out at any place of a list that is hostile or huge; that is one more list that cannot be
 // read.
-CFPropertyListRef ReadList(ByteSource &source, CFPropertyListFormat *format) try {
-    auto document = std::make_unique<Document>();
-    InputWindow window(source);
-    const ReadResult result = ReadAny(window, *document);
-    if (!result.root) return nullptr;
-    if (format != nullptr) *format = result.format;
-    return Document::Publish(std::move(document), *result.root);
-} catch (const std::bad_alloc &) {
+CFPropertyListRef ReadList(ByteSource &source, CFPropertyListFormat *format,
+                           const DictionaryWatch *watch = nullptr) {
+    std::unique_ptr<Document> document;
+    try {
+        document = std::make_unique<Document>();
+        InputWindow window(source);
+        const ReadResult result = ReadAny(window, *document, watch);
+        if (result.root) {
+            if (format != nullptr) *format = result.format;
+            return Document::Publish(std::move(document), *result.root);
+        }
+    } catch (const std::bad_alloc &) {
+        // As below.
+    }
+    if (watch != nullptr) watch->on_failure();
     return nullptr;
 }
 
@@ -98,7 +105,15 @@ void ClearError(CFErrorRef *error) {
     if (error != nullptr) *error = nullptr;
 }
 
+ByteSource &SourceOf(CFReadStreamRef stream) {
+    return static_cast<ReadStream &>(*const_cast<Value *>(ToValue(stream)));
+}
+
 }  // namespace
+
+CFPropertyListRef ReadWatchedList(CFReadStreamRef stream, const DictionaryWatch &watch) {
+    return stream == nullptr ? nullptr : ReadList(SourceOf(stream), nullptr, &watch);
+}
 
 }  // namespace core_foundation
 
@@ -118,7 +133,7 @@ CFPropertyListRef CFPropertyListCreateWithStream(CFAllocatorRef, CFReadStreamRef
                                                  CFErrorRef *error) {
     ClearError(error);
     if (stream == nullptr || length < 0) return nullptr;
-    auto &source = static_cast<ReadStream &>(*const_cast<Value *>(ToValue(stream)));
+    ByteSource &source = SourceOf(stream);
     if (length == 0) return ReadList(source, format);
     LimitedSource limited(source, static_cast<size_t>(length));
     return ReadList(limited, format);

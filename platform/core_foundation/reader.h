@@ -6,12 +6,14 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/core_foundation/dictionary_watch.h"
 #include "platform/core_foundation/document.h"
 #include "platform/core_foundation/input_window.h"
 
 namespace core_foundation {
 
-std::optional<Value> ReadXml(InputWindow &window, Document &document);
+// `watch` may be null.
+std::optional<Value> ReadXml(InputWindow &window, Document &document, const DictionaryWatch *watch);
 std::optional<Value> ReadOldStyle(std::string_view text, Document &document);
 std::optional<Value> ReadBinary(std::string_view bytes, Document &document);
 

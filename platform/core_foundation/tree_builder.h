@@ -50,6 +50,8 @@ class TreeBuilder {
     }
     // The key of the pair before the next one; null at the front of a dictionary.
     const Value *LastKey() const { return top_ == base_ ? nullptr : top_[-1].key; }
+    // The value that was pushed last, in a container that has one.
+    const Value &LastValue() const { return top_[-1].value; }
     // The key that awaits its value.
     const Value *NextKey() const { return top_->key; }
     // Gives the next value a key that a small dictionary of this list has had before, or takes it back.

@@ -16,6 +16,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <limits>
 
 #include "platform/core_foundation/reader.h"
 #include "platform/core_foundation/scalar_text.h"
@@ -135,8 +136,8 @@ const char *SkipDoctype(const char *cursor, const char *limit) {
 
 class XmlReader {
   public:
-    XmlReader(InputWindow &window, Document &document)
-        : window_(window), limit_(window.end()), builder_(document) {}
+    XmlReader(InputWindow &window, Document &document, const DictionaryWatch *watch)
+        : window_(window), limit_(window.end()), builder_(document), watch_(watch) {}
 
     std::optional<Value> Read() {
         const char *cursor = window_.begin();
@@ -333,8 +334,12 @@ class XmlReader {
     }
 
     const char *OpenContainer(const Tag &tag, ValueType type) {
+        const bool begins_watch = watch_ != nullptr && builder_.depth() == 1 &&
+                                  type == ValueType::kDictionary && builder_.AwaitsValue() &&
+                                  TextOf(*builder_.NextKey()) == watch_->key;
         if (!builder_.Open(type)) return nullptr;
-        if (tag.is_empty) Accept(builder_.Close());
+        if (begins_watch) watched_depth_ = builder_.depth();
+        if (tag.is_empty) CloseContainer();
         return tag.next;
     }
 
@@ -365,9 +370,22 @@ class XmlReader {
                 in_plist_ = false;
                 return true;
         }
-        Accept(builder_.Close());
+        CloseContainer();
         return true;
     }
+
+    void CloseContainer() {
+        const size_t depth = builder_.depth();
+        Accept(builder_.Close());
+        if (depth == watched_depth_) {
+            watch_ = nullptr;
+            watched_depth_ = kNoDepth;
+        } else if (depth == watched_depth_ + 1) {
+            watch_->on_entry({builder_.LastKey(), builder_.LastValue()});
+        }
+    }
+
+    static constexpr size_t kNoDepth = std::numeric_limits<size_t>::max() - 1;
 
     InputWindow &window_;
     const char *limit_;  // the end of the window
@@ -377,6 +395,8 @@ class XmlReader {
     const char *passage_ = nullptr;  // where the one began that is being read; null: it cannot be remembered
     std::optional<Value> root_;
     bool in_plist_ = false;
+    const DictionaryWatch *watch_;  // null: nothing to be told, or no more
+    size_t watched_depth_ = kNoDepth;
 };
 
 }  // namespace
@@ -390,8 +410,8 @@ bool LooksLikeXml(std::string_view text) {
     return ElementOf(text.substr(1, end - 1)) != Element::kUnknown;
 }
 
-std::optional<Value> ReadXml(InputWindow &window, Document &document) {
-    return XmlReader(window, document).Read();
+std::optional<Value> ReadXml(InputWindow &window, Document &document, const DictionaryWatch *watch) {
+    return XmlReader(window, document, watch).Read();
 }
 
 }  // namespace core_foundation

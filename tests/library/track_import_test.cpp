@@ -82,6 +82,56 @@ TEST(LoadTracks, ATrackThatIsNoDictionaryHasItsIdAlone) {
     DestroyLibrary(&other);
 }
 
+std::string DescribeTracks(LoadedLibrary &library) {
+    std::string text = std::to_string(library.result) + "\n";
+    for (int32_t i = 0; i < GetVelmarArraySize(library.driver.tracks); ++i) {
+        void *track = nullptr;
+        GetVelmarArrayItem(library.driver.tracks, i, &track);
+        VelmarAttribute *attributes = static_cast<DriverPath *>(track)->attributes;
+        for (int32_t at = 0; at < GetVelmarAttributeSize(attributes); ++at) {
+            const char *key = "";
+            const char *value = "";
+            GetVelmarAttributeItem(attributes, at, &key, &value);
+            text += std::string(key) + "=" + value + " ";
+        }
+        text += FindTrackById(&library.driver, "7") == track ? "is 7\n" : "\n";
+    }
+    return text;
+}
+
+// Tracks of a large file are imported while it is still being read, whatever comes behind them.
+TEST(LoadTracks, ALargeFileGivesTheTracksOfASmallOne) {
+    std::string tracks;
+    for (int i = 0; i < 600; ++i) {
+        const std::string number = std::to_string(i);
+        tracks += "<key>" + number + "</key><dict><key>Name</key><string>Song " + number + "</string></dict>";
+    }
+    const std::string all = "<key>Tracks</key><dict>" + tracks + "</dict>";
+    const std::string again =
+        "<key>Tracks</key><dict><key>7</key><dict><key>Name</key><string>other</string></dict>"
+        "</dict>";
+    for (const std::string &list : std::initializer_list<std::string>{
+             all,
+             "<key>Tracks</key><dict>" + tracks + "<key>a</key><string>no track</string></dict>",
+             "<key>Tracks</key><dict>" + tracks + "<key>7</key><dict/></dict>",
+             "<key>Tracks</key><dict><key>7</key><array/>" + tracks + "<key>x</key><dict/></dict>",
+             all + again,
+             again + all,
+             "<key>Other</key><dict>" + all + "</dict>" + again,
+             "<key>Other</key><dict>" + all + "</dict>",
+             "<key>Tracks</key><array>" + std::string("<dict/></array>"),
+             "<key>Tracks</key><dict/>",
+             all + "<key>damaged</key>",
+         }) {
+        LoadedLibrary small("xml", std::string(kPropertyListHead) + "<dict>" + list + "</dict>" +
+                                       std::string(kPropertyListTail));
+        LoadedLibrary large("xml", std::string(kPropertyListHead) + "<!--" + std::string(2 << 20, '-') +
+                                       "--><dict>" + list + "</dict>" + std::string(kPropertyListTail));
+        EXPECT_EQ(DescribeTracks(large), DescribeTracks(small)) << list.substr(list.size() - 100);
+        EXPECT_EQ(large.log.Lines().size(), small.log.Lines().size());
+    }
+}
+
 TEST(LoadTracks, WithoutAUsableSourceItFails) {
     LibraryDriver driver;
     EXPECT_EQ(LoadTracks(nullptr), -1);
