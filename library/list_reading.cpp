@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -40,7 +41,11 @@ class EntryQueue {
         if (filling_->size() == kBatch) HandOver();
     }
     void End() {
-        if (filling_) HandOver();
+        try {
+            if (filling_) HandOver();
+        } catch (const std::bad_alloc &) {
+            // The entries that are missing are noticed in the end.
+        }
         const std::lock_guard lock(mutex_);
         has_ended_ = true;
         changed_.notify_all();
