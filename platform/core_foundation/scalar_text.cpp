@@ -174,13 +174,10 @@ Value MakeWideInteger(int64_t high, uint64_t low, Document &document) {
 std::optional<Value> ParseInteger(std::string_view text, Document &document) {
     text = TrimSpace(text);
     const bool is_negative = TakeSign(text);
-    if (text.empty() || text.size() > size_t{kSafeDigits})
-        return ParseLongInteger(text, is_negative, document);
-    int64_t integer = 0;
-    for (const char byte : text) {
-        if (!IsDigit(byte)) return ParseLongInteger(text, is_negative, document);
-        integer = integer * 10 + (byte - '0');
-    }
+    if (text.empty() || text.size() > kSafeDigits) return ParseLongInteger(text, is_negative, document);
+    const char *end = text.data();
+    const int64_t integer = TakeDigits(end, text.size());
+    if (end != text.data() + text.size()) return ParseLongInteger(text, is_negative, document);
     return MakeInteger(is_negative ? -integer : integer);
 }
 

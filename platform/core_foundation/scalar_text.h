@@ -23,7 +23,16 @@ inline bool IsDigit(char byte) {
 }
 
 // So many decimal digits fit 64 bits whatever they are.
-constexpr int kSafeDigits = 18;
+constexpr size_t kSafeDigits = 18;
+
+// The number that decimal digits spell, at most `most` of them, and no more than kSafeDigits; moves behind
+// them. A text that ends earlier must have another byte behind it.
+inline int64_t TakeDigits(const char *&cursor, size_t most) {
+    int64_t number = 0;
+    for (const char *const limit = cursor + most; cursor != limit && IsDigit(*cursor); ++cursor)
+        number = number * 10 + (*cursor - '0');
+    return number;
+}
 
 // 4 bits of a hexadecimal digit of either case; -1 for another byte.
 int HexDigit(char byte);

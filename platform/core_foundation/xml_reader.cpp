@@ -289,9 +289,7 @@ class XmlReader {
         const bool is_negative = *tag.next == '-';
         const char *digits = tag.next + (is_negative ? 1 : 0);
         const char *end = digits;
-        int64_t integer = 0;
-        for (; IsDigit(*end) && end - digits < kSafeDigits; ++end)
-            integer = integer * 10 + (*end - '0');
+        const int64_t integer = TakeDigits(end, kSafeDigits);
         if (end == digits || tag.is_empty || !StartsWith(end, "</integer>"))
             return ReadScalar<Element::kInteger>(tag);
         Accept(MakeInteger(is_negative ? -integer : integer));
