@@ -18,12 +18,6 @@ void AddIfPresent(DriverPath *app, const char *key, const std::optional<std::str
     if (value) AddAttribute(app, key, value->c_str());
 }
 
-void AddSize(DriverPath *app, const std::string &path) {
-    struct _stat64 status;
-    if (_wstat64(Utf8ToWide(path).c_str(), &status) != 0) return;
-    AddAttribute(app, "st_size", std::to_string(status.st_size).c_str());
-}
-
 // The same file may be listed in other letters, from before it was copied anew.
 void DeleteOtherFile(const DriverPath *app, const std::string &path) {
     const auto location = FindAttribute(app, "location");
@@ -37,7 +31,7 @@ DriverPath *CreateApp(LibraryDriver *driver, const std::string &path, const std:
     const FileCategory kind = GetFileCategory(path).value_or(FileCategory{0, 0});
     DriverPath *app =
         CreateScannedEntry(driver, node_kind::kApplicationFile, kind.category, kind.subcategory);
-    AddSize(app, path);
+    if (const auto size = SizeOfFile(path)) AddAttribute(app, "st_size", std::to_string(*size).c_str());
     AddAttribute(app, "location", path.c_str());
     AddIfPresent(app, "bundleId", info.bundle_id);
     AddIfPresent(app, "bundleVersion", info.bundle_version);
