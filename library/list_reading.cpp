@@ -35,8 +35,10 @@ class EntryQueue {
   public:
     // The reader's side. A batch is handed over when it is full.
     void Push(const WatchedEntry &entry) {
-        if (!filling_) filling_ = std::make_unique<Batch>();
-        if (filling_->empty()) filling_->reserve(kBatch);
+        if (!filling_) {
+            filling_ = std::make_unique<Batch>();
+            filling_->reserve(kBatch);
+        }
         filling_->push_back(entry);
         if (filling_->size() == kBatch) HandOver();
     }
