@@ -82,26 +82,24 @@ TEST(BinaryReader, RefusesDamage) {
     ASSERT_EQ(DescribeBytes(whole), "[\"x\"]");
     for (size_t size = std::string_view("bplist0").size(); size < whole.size(); ++size)
         EXPECT_EQ(DescribeBytes(whole.substr(0, size)), "null") << size;
-    const std::vector<std::pair<const char *, std::string>> damaged = {
-        {"null_object", Binary({"\x00"s})},
-        {"unknown_marker", Binary({"\xE0"})},
-        {"text_beyond_end", Binary({"\x5F\x11\xFF\xFF"})},
-        {"huge_count", Binary({"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"})},
-        {"count_is_no_integer", Binary({"\x5F\x51\x01"})},
-        {"integer_of_32_bytes", Binary({"\x15" + std::string(32, '\0')})},
-        {"real_of_2_bytes", Binary({"\x21\x00\x00"s})},
-        {"reference_beyond_objects", Binary({"\xA1\x02", "\x51x"})},
-        {"key_is_a_number", Binary({"\xD1\x01\x02", "\x10\x01", "\x51x"})},
-        {"key_is_a_container", Binary({"\xD1\x01\x02", "\xA0", "\x51x"})},
-        {"array_holds_itself", Binary({"\xA1\x00"s})},
-        {"cycle_of_two", Binary({"\xA1\x01", "\xA1\x00"s})},
-        {"dictionary_is_its_key", Binary({"\xD1\x00\x01"s, "\x51x"})},
-        {"root_beyond_objects", Binary({"\x51x"}, {2, 1, 1})},
-        {"offset_size_0", Binary({"\x51x"}, {0, 1, 0})},
-        {"reference_size_9", Binary({"\x51x"}, {2, 9, 0})},
-    };
-    for (const auto &[fault, file] : damaged)
-        EXPECT_EQ(DescribeBytes(file), "null") << fault;
+    const std::vector<std::pair<const char *, std::vector<std::string>>> damaged = {
+        {"null object", {Binary({"\x00"s})}},
+        {"unknown marker", {Binary({"\xE0"})}},
+        {"bytes beyond the end",
+         {Binary({"\x5F\x11\xFF\xFF"}), Binary({"\x33"}), Binary({"\x23"}), Binary({"\xAE"})}},
+        {"huge count", {Binary({"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"})}},
+        {"a count that is no integer", {Binary({"\x5F\x51\x01"})}},
+        {"numbers of odd sizes", {Binary({"\x15" + std::string(32, '\0')}), Binary({"\x21\0\0"s})}},
+        {"a reference beyond the objects", {Binary({"\xA1\x02", "\x51x"}), Binary({"\x51x"}, {2, 1, 1})}},
+        {"keys that are no texts",
+         {Binary({"\xD1\x01\x02", "\x10\x01", "\x51x"}), Binary({"\xD1\x01\x02", "\xA0", "\x51x"})}},
+        {"objects inside themselves",
+         {Binary({"\xA1\x00"s}), Binary({"\xA1\x01", "\xA1\x00"s}), Binary({"\xD1\x00\x01"s, "\x51x"})}},
+        {"sizes that are none", {Binary({"\x51x"}, {0, 1, 0}), Binary({"\x51x"}, {2, 9, 0})}}};
+    for (const auto &[fault, files] : damaged) {
+        for (const std::string &file : files)
+            EXPECT_EQ(DescribeBytes(file), "null") << fault;
+    }
 }
 
 TEST(EveryForm, RefusesTooDeepNesting) {

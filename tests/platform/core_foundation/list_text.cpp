@@ -129,7 +129,7 @@ Owned NewString(const std::string &text) {
 std::string Utf16(std::string_view text, bool big_endian) {
     std::string units;
     for (const char byte : text)
-        units += big_endian ? std::string{'\0', byte} : std::string{byte, '\0'};
+        (units += big_endian ? '\0' : byte) += big_endian ? byte : '\0';
     return units;
 }
 

@@ -20,28 +20,23 @@ CFDictionaryRef AsDictionary(const Owned &list) {
     return static_cast<CFDictionaryRef>(list.get());
 }
 
-TEST(Strings, GiveTheirUtf8WithinItsMaximumSize) {
-    const struct {
-        const char *text;
-        CFIndex length;  // in UTF-16 units, and one for a byte that is not UTF-8
-    } cases[] = {{"", 0},
-                 {"plain", 5},
-                 {"é日𝕢\xFF", 1 + 1 + 2 + 1},
-                 {"\xFF\xFF\x80\x80", 4},
-                 {"\xC0\x80\xED\xA0\x80\xF5", 6}};
-    for (const auto &[text, length] : cases) {
+TEST(Strings, GiveTheirUtf8AndTheirLengthInUtf16) {
+    // A byte that is not UTF-8 counts as one.
+    for (const auto &[text, length] : {std::pair("", 0),
+                                       {"plain", 5},
+                                       {"é日𝕢\xFF", 1 + 1 + 2 + 1},
+                                       {"\xFF\xFF\x80\x80", 4},
+                                       {"\xC0\x80\xED\xA0\x80\xF5", 6}}) {
         const Owned owned = NewString(text);
         const auto string = static_cast<CFStringRef>(owned.get());
-        EXPECT_EQ(CFStringGetLength(string), length) << text;
-        EXPECT_STREQ(CFStringGetCStringPtr(string, kCFStringEncodingUTF8), text);
-        EXPECT_EQ(CFStringGetCStringPtr(string, 0), nullptr);
-        EXPECT_GE(CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8),
-                  static_cast<CFIndex>(std::strlen(text)));
         const auto size = static_cast<CFIndex>(std::strlen(text)) + 1;
         std::array<char, 12> buffer = {};
-        EXPECT_FALSE(CFStringGetCString(string, buffer.data(), size - 1, kCFStringEncodingUTF8));
-        EXPECT_TRUE(CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8));
+        EXPECT_EQ(CFStringGetLength(string), length) << text;
+        EXPECT_GE(CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8), size - 1) << text;
+        EXPECT_FALSE(CFStringGetCString(string, buffer.data(), size - 1, kCFStringEncodingUTF8)) << text;
+        EXPECT_TRUE(CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8)) << text;
         EXPECT_STREQ(buffer.data(), text);
+        EXPECT_EQ(CFStringGetCStringPtr(string, 0), nullptr);
     }
     EXPECT_EQ(CFSTR("same"), CFSTR("same"));
     EXPECT_NE(CFSTR("same"), CFSTR("other"));
@@ -50,27 +45,27 @@ TEST(Strings, GiveTheirUtf8WithinItsMaximumSize) {
 }
 
 TEST(Numbers, GiveWholeSigned64BitValuesOnly) {
-    SInt64 value = 0;
-    const auto gives = [&value](const std::string &text) {
-        value = -99;
+    const auto read = [](const std::string &text) {
         const Owned number = ReadBytes(text);
-        return CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt64Type, &value) != 0;
+        SInt64 value = -99;
+        const bool is_given =
+            CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt64Type, &value);
+        return is_given == (value == -99) ? "wrong" : is_given ? std::to_string(value) : "none";
     };
-    EXPECT_TRUE(gives("<integer>-5</integer>") && value == -5);
-    EXPECT_TRUE(gives("<real>7.0</real>") && value == 7);
-    EXPECT_TRUE(gives("<real>-9223372036854775808</real>") && value == std::numeric_limits<SInt64>::min());
+    EXPECT_EQ(read("<integer>-5</integer>"), "-5");
+    EXPECT_EQ(read("<real>7.0</real>"), "7");
+    EXPECT_EQ(read("<real>-9223372036854775808</real>"), "-9223372036854775808");
     for (const char *text : {"<real>9223372036854775808</real>", "<integer>9223372036854775808</integer>",
                              "<real>2.5</real>", "<real>nan</real>", "<real>inf</real>"})
-        EXPECT_TRUE(!gives(text) && value == -99) << text;
+        EXPECT_EQ(read(text), "none") << text;
     for (const SInt64 large : {SInt64{1} << 31, -(SInt64{1} << 31) - 1}) {
         const Owned number(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &large));
-        const auto reference = static_cast<CFNumberRef>(number.get());
         SInt32 narrow = 0;
         double real = 0;
-        EXPECT_FALSE(CFNumberGetValue(reference, kCFNumberSInt32Type, &narrow));
-        EXPECT_TRUE(CFNumberGetValue(reference, kCFNumberDoubleType, &real));
+        EXPECT_FALSE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt32Type, &narrow));
+        EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberDoubleType, &real));
         EXPECT_EQ(real, static_cast<double>(large));
-        EXPECT_FALSE(CFNumberIsFloatType(reference));
+        EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(number.get())));
     }
     EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, 99, "12345678"), nullptr);
 }
@@ -79,17 +74,16 @@ TEST(Types, AreToldApart) {
     const Owned list = ReadBytes(
         "<array><string/><integer>1</integer><true/><date>2001-01-01T00:00:00Z</date><data/><array/><dict/>"
         "</array>");
-    const CFTypeID ids[] = {CFStringGetTypeID(),    CFNumberGetTypeID(), CFBooleanGetTypeID(),
-                            CFDateGetTypeID(),      CFDataGetTypeID(),   CFArrayGetTypeID(),
-                            CFDictionaryGetTypeID()};
-    for (CFIndex i = 0; i < 7; ++i) {
-        for (CFIndex j = 0; j < 7; ++j)
-            EXPECT_EQ(CFGetTypeID(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), i)) == ids[j],
-                      i == j);
-    }
-    EXPECT_EQ(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), 7), nullptr);
-    EXPECT_EQ(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), -1), nullptr);
-    EXPECT_TRUE(CFBooleanGetValue(kCFBooleanTrue));
+    const auto at = [&](CFIndex index) {
+        return CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), index);
+    };
+    CFIndex index = 0;
+    for (const auto type_id : {CFStringGetTypeID, CFNumberGetTypeID, CFBooleanGetTypeID, CFDateGetTypeID,
+                               CFDataGetTypeID, CFArrayGetTypeID, CFDictionaryGetTypeID})
+        EXPECT_EQ(CFGetTypeID(at(index++)), type_id()) << index;
+    EXPECT_EQ(at(7), nullptr);
+    EXPECT_EQ(at(-1), nullptr);
+    EXPECT_TRUE(CFBooleanGetValue(static_cast<CFBooleanRef>(at(2))));
     EXPECT_FALSE(CFBooleanGetValue(kCFBooleanFalse));
 }
 
@@ -167,6 +161,10 @@ TEST(MutableDictionaries, AddOnlyWhatIsAbsent) {
     std::array<const void *, 3> keys = {}, values = {};
     CFDictionaryGetKeysAndValues(copy, keys.data(), values.data());
     EXPECT_EQ(Describe(keys[2]) + Describe(values[2]), "\"a\"F");
+    CFMutableDictionaryRef fresh = CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr);
+    const Owned fresh_owner(fresh);
+    CFDictionaryAddValue(fresh, CFSTR("k"), list.get());
+    EXPECT_EQ(Describe(fresh), "{\"k\":{\"a\":i1,\"b\":i2}}");
     CFDictionaryAddValue(const_cast<CFMutableDictionaryRef>(AsDictionary(list)), CFSTR("z"), kCFBooleanTrue);
     EXPECT_EQ(CFDictionaryGetCount(AsDictionary(list)), 2) << "a list that was read does not change";
 }
@@ -219,16 +217,20 @@ TEST(References, AreCountedAcrossThreads) {
 }
 
 TEST(Equality, LooksThroughContainers) {
-    const std::string array = "<key>a</key><array><real>1</real><data>AA==</data></array>";
-    const Owned list = ReadBytes("<dict>" + array + "<key>b</key><true/></dict>");
-    EXPECT_TRUE(CFEqual(list.get(), ReadBytes("<dict><key>b</key><true/>" + array + "</dict>").get()));
-    for (const char *other :
-         {"<dict/>", "<array/>",
-          "<dict><key>a</key><array><real>1</real><data>AQ==</data></array><key>b</key><true/></dict>",
-          "<dict><key>a</key><array><integer>1</integer><data>AA==</data></array><key>b</key><true/></dict>",
-          "<dict><key>a</key><array><real>1</real><data>AA==</data></array><key>c</key><true/></dict>"})
-        EXPECT_FALSE(CFEqual(list.get(), ReadBytes(other).get())) << other;
-    EXPECT_FALSE(CFEqual(list.get(), nullptr));
+    const auto list = [](const char *key, const char *real, const char *data) {
+        return ReadBytes("<dict><key>a</key><array>" + std::string(real) + "<data>" + data +
+                         "</data></array><key>" + key + "</key><true/></dict>");
+    };
+    const Owned one = list("b", "<real>1</real>", "AA==");
+    EXPECT_TRUE(CFEqual(one.get(), ReadBytes("<dict><key>b</key><true/><key>a</key><array><real>1</real>"
+                                             "<data>AA==</data></array></dict>")
+                                       .get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("b", "<real>1</real>", "AQ==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("b", "<integer>1</integer>", "AA==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("c", "<real>1</real>", "AA==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), ReadBytes("<dict/>").get()));
+    EXPECT_FALSE(CFEqual(one.get(), ReadBytes("<array/>").get()));
+    EXPECT_FALSE(CFEqual(one.get(), nullptr));
 }
 
 // The standard library has a calendar of its own.
@@ -238,9 +240,8 @@ TEST(Calendar, AgreesWithTheStandardLibraryOnEveryDay) {
     for (int64_t day = -1'000'000; day <= 1'000'000; ++day) {
         const year_month_day expected{first + days(day)};
         const core_foundation::CivilDate date = core_foundation::CivilFromDays(day);
-        ASSERT_EQ(date.year, static_cast<int>(expected.year())) << day;
-        ASSERT_EQ(date.month, static_cast<int32_t>(static_cast<unsigned>(expected.month()))) << day;
-        ASSERT_EQ(date.day, static_cast<int32_t>(static_cast<unsigned>(expected.day()))) << day;
+        const std::chrono::month month(static_cast<unsigned>(date.month));
+        ASSERT_EQ(std::chrono::year(static_cast<int>(date.year)) / month / date.day, expected) << day;
         ASSERT_EQ(core_foundation::DaysFromCivil(date), day);
     }
 }

@@ -78,7 +78,7 @@ TEST(XmlReader, TakesWhatStandsAroundTheRoot) {
     const std::string root = "<array><true/></array>";
     for (const std::string &text :
          {root, "\xEF\xBB\xBF" + Plist(root), "\n\t <plist>" + root + "</plist >\n<!-- end -->\n",
-          "<!DOCTYPE plist [ <!ENTITY x \"]>\"> ]><plist>" + root + "</plist>",
+          "<!DOCTYPE plist ] [ <!ENTITY x \"]>\"> ]><plist>" + root + "</plist>",
           "<!-- -- -> --><?pi?>" + root + std::string(3, '\0')})
         EXPECT_EQ(DescribeBytes(text), "[T]") << text;
     for (const std::string &text :
@@ -90,34 +90,16 @@ TEST(XmlReader, TakesWhatStandsAroundTheRoot) {
 // Wrong nesting is met by the generated lists.
 TEST(XmlReader, RefusesDamage) {
     for (const char *text : {"", " \n", "<plist></plist>", "<plist/>", "<plist>x</plist>", "<?xml",
-                             "<!DOCTYPE plist [", "<!DOCTYPE plist>"})
+                             "<!DOCTYPE plist [", "<!DOCTYPE plist>", "<array", "<array{"})
         EXPECT_EQ(DescribeBytes(text), "null") << text;
-    for (const char *content : {"<dict><true/></dict>",
-                                "<dict><key>a</key></dict>",
-                                "<dict><key>a</key><key>b</key></dict>",
-                                "<dict></array>",
-                                "<array></dict>",
-                                "<array><key>a</key></array>",
-                                "<key>a</key>",
-                                "<string>a",
-                                "<string>a</key>",
-                                "<string>a<b/></string>",
-                                "<string>&unknown;</string>",
-                                "<string>&amp</string>",
-                                "<string>&#;</string>",
-                                "<string>&#x110000;</string>",
-                                "<string>&#12a;</string>",
-                                "<string>a<![CDATA[b</string>",
-                                "<unknown/>",
-                                "<array>x</array>",
-                                "<array><true/>",
-                                "<true>x</true>",
-                                "</array>",
-                                "<strin>a</strin>",
-                                "<>",
-                                "<",
-                                "<string"})
-        EXPECT_EQ(DescribeBytes(Plist(content)), "null") << content;
+    EXPECT_EQ(DescribeEach("string", {"a<b/>", "&unknown;", "&amp", "&#;", "&#x110000;", "&#12a;",
+                                      "a<![CDATA[b", "a</key>"}),
+              Repeat("null ", 8));
+    EXPECT_EQ(
+        DescribeEach("array", {"<unknown/>", "x", "<true>x</true>", "<strin>a</strin>", "<key>a</key>"}),
+        Repeat("null ", 5));
+    for (const char *end : {"<string>a", "<key>a</key>", "<>", "<", "<string"})
+        EXPECT_EQ(DescribeBytes(Plist(end)), "null") << end;
 }
 
 // The file passes through a window; wherever the window ends, the list is the same.

@@ -36,9 +36,8 @@ TEST(VelmarArray, KeepsOrderAndClosesTheGapOfADeletedItem) {
     EXPECT_EQ(GetVelmarArrayItem(array, 1, &item), 0);
     EXPECT_EQ(item, &items[2]);
     for (const int32_t outside : {-1, 2}) {
-        item = &items[0];
         EXPECT_LT(GetVelmarArrayItem(array, outside, &item), 0);
-        EXPECT_EQ(item, &items[0]);
+        EXPECT_EQ(item, &items[2]);
         EXPECT_LT(DeleteVelmarArrayItem(array, outside), 0);
     }
     EXPECT_EQ(FreeVelmarArray(array), 0);
@@ -89,7 +88,7 @@ TEST(VelmarAttribute, FoundValueSurvivesLaterItems) {
     EXPECT_EQ(SetVelmarAttributeValue(attribute, "2999", std::string(9000, 'y').c_str()), 0);
     EXPECT_EQ(PairsOf(attribute)[3000], std::pair(std::string("2999"), std::string(9000, 'y')));
     const char *found = nullptr;
-    ASSERT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
+    EXPECT_EQ(FindVelmarAttributeValue(attribute, "name", &found), 0);
     EXPECT_STREQ(found, "Blue");
     EXPECT_LT(FindVelmarAttributeValue(attribute, "nam", &found), 0);
     EXPECT_LT(FindVelmarAttributeValue(attribute, "names", &found), 0);
@@ -97,12 +96,14 @@ TEST(VelmarAttribute, FoundValueSurvivesLaterItems) {
 }
 
 TEST(VelmarLog, PrintsTheForeignNumberFormatAndLongLinesForAHandlerThatMayChange) {
+    const auto ignore = [](const char *, void *) {};
+    SetVelmarLogHandler(ignore, nullptr);
     std::thread writer([] {
         for (int i = 0; i < 200; ++i)
             WriteVelmarLog("%d", i);
     });
     for (int i = 0; i < 200; ++i)
-        SetVelmarLogHandler([](const char *, void *) {}, nullptr);
+        SetVelmarLogHandler(ignore, nullptr);
     writer.join();
     std::vector<std::string> lines;
     SetVelmarLogHandler(

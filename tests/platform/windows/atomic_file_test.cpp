@@ -102,9 +102,8 @@ TEST_F(AtomicFileTest, KeepsTheModeAndSpellingOfTheOldFileAndTakesTheUsualModeFo
     ASSERT_TRUE(ReplaceFile(Native("fresh")));
     EXPECT_EQ(fs::status(old).permissions(), fs::perms{0640});
     EXPECT_EQ(fs::status(Native("fresh")).permissions(), fs::status(plain).permissions());
-    EXPECT_EQ(
-        FolderContents(folder_.path()),
-        (Contents{{"Apple Computer", "/"}, {"Apple Computer/Old", kNew}, {"plain", kOld}, {"fresh", kNew}}));
+    EXPECT_EQ(Listing(folder_.path()),
+              "Apple Computer=/;Apple Computer/Old=" + kNew + ";fresh=" + kNew + ";plain=" + kOld + ";");
 }
 
 TEST_F(AtomicFileTest, RefusesWhatIsNoPlainFile) {

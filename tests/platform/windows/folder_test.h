@@ -10,6 +10,14 @@
 
 using Contents = std::map<std::string, std::string>;
 
+// FolderContents as one text, "name=value" and a semicolon for each entry.
+inline std::string Listing(const std::filesystem::path &folder) {
+    std::string listing;
+    for (const auto &[name, value] : FolderContents(folder))
+        listing.append(name).append("=").append(value).append(";");
+    return listing;
+}
+
 // Names in a temporary folder, as this system and as Windows programs spell their paths.
 class FolderTest : public testing::Test {
   protected:

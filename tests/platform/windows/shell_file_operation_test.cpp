@@ -40,44 +40,32 @@ struct Merge {
     fs::path to = place.path() / "to";
 
     Merge() {
-        place.Write("from/song.mp3", "song of from");
-        place.Write("from/Cover.JPG", "cover of from");
-        place.Write("from/caf\xC3\xA9", "coffee of from");
-        place.Write("from/.hidden", "hidden");
-        place.Write("from/name \xFF", "no UTF-8");
-        place.Write("from/album/disc/one.mp3", "one");
-        place.Write("from/album/two.mp3", "two");
+        for (const auto &[name, bytes] : {std::pair("from/song.mp3", "song of from"),
+                                          {"from/Cover.JPG", "cover of from"},
+                                          {"from/caf\xC3\xA9", "coffee of from"},
+                                          {"from/.hidden", "hidden"},
+                                          {"from/name \xFF", "no UTF-8"},
+                                          {"from/album/disc/one.mp3", "one"},
+                                          {"from/album/two.mp3", "two"},
+                                          {"to/song.mp3", "song of to"},
+                                          {"to/song (2).mp3", "second song of to"},
+                                          {"to/cover.jpg", "cover of to"},
+                                          {"to/cafe\xCC\x81", "coffee of to"},
+                                          {"to/album/three.mp3", "three"}})
+            place.Write(name, bytes);
         fs::create_directory(from / "empty");
         fs::create_symlink("../elsewhere", from / "link");
         fs::create_directory_symlink("..", from / "album" / "cycle");
-        place.Write("to/song.mp3", "song of to");
-        place.Write("to/song (2).mp3", "second song of to");
-        place.Write("to/cover.jpg", "cover of to");
-        place.Write("to/cafe\xCC\x81", "coffee of to");
-        place.Write("to/album/three.mp3", "three");
     }
 
     int Run() const { return Move(from.string() + "\\*", to); }
 };
 
-const Contents kMerged = {{"song.mp3", "song of to"},
-                          {"song (2).mp3", "second song of to"},
-                          {"song (3).mp3", "song of from"},
-                          {"cover.jpg", "cover of to"},
-                          {"Cover (2).JPG", "cover of from"},
-                          {"cafe\xCC\x81", "coffee of to"},
-                          {"caf\xC3\xA9 (2)", "coffee of from"},
-                          {".hidden", "hidden"},
-                          {"name \xFF", "no UTF-8"},
-                          {"album", "/"},
-                          {"album/three.mp3", "three"},
-                          {"album (2)", "/"},
-                          {"album (2)/two.mp3", "two"},
-                          {"album (2)/disc", "/"},
-                          {"album (2)/disc/one.mp3", "one"},
-                          {"album (2)/cycle", "-> .."},
-                          {"empty", "/"},
-                          {"link", "-> ../elsewhere"}};
+constexpr const char *kMerged =
+    ".hidden=hidden;Cover (2).JPG=cover of from;album=/;album (2)=/;album (2)/cycle=-> ..;album (2)/disc=/;"
+    "album (2)/disc/one.mp3=one;album (2)/two.mp3=two;album/three.mp3=three;cafe\xCC\x81=coffee of to;"
+    "caf\xC3\xA9 (2)=coffee of from;cover.jpg=cover of to;empty=/;link=-> ../elsewhere;"
+    "name \xFF=no UTF-8;song (2).mp3=second song of to;song (3).mp3=song of from;song.mp3=song of to;";
 
 enum class System { kUsual, kFolderIsFileSystem, kNoRenameFlags };
 
@@ -96,7 +84,7 @@ TEST(ShellMove, MergesFoldersOnAnySystemAndKeepsTimesAndPermissions) {
             if (system == System::kNoRenameFlags) unknown.emplace();
             EXPECT_EQ(merge.Run(), 0);
         }
-        EXPECT_EQ(FolderContents(merge.to), kMerged);
+        EXPECT_EQ(Listing(merge.to), kMerged);
         EXPECT_TRUE(fs::is_empty(merge.from));
         for (const char *name : {"song (3).mp3", "album (2)"}) {
             EXPECT_EQ(fs::status(merge.to / name).permissions(), fs::perms{0750}) << name;
@@ -151,7 +139,7 @@ TEST(ShellMove, AnEntryThatCannotBeCopiedStaysWhole) {
 TEST(ShellOperations, ThatAreRefusedChangeNothing) {
     const Merge merge;
     const std::string from = merge.from.string();
-    const Contents before = FolderContents(merge.place.path());
+    const std::string before = Listing(merge.place.path());
     EXPECT_EQ(Move(from + "/song.mp3", merge.to, FOF_SILENT), static_cast<int>(ERROR_ALREADY_EXISTS));
     EXPECT_NE(Move(from + "\\*", merge.from), 0) << "into itself";
     EXPECT_NE(Move(from, merge.from / "album"), 0) << "below itself";
@@ -163,14 +151,14 @@ TEST(ShellOperations, ThatAreRefusedChangeNothing) {
     EXPECT_EQ(Delete("Q:\\"), static_cast<int>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Delete(from + "/absent"), static_cast<int>(ERROR_FILE_NOT_FOUND));
     EXPECT_NE(Delete(from, kDeleteFlags | FOF_ALLOWUNDO), 0);
-    EXPECT_EQ(FolderContents(merge.place.path()), before);
+    EXPECT_EQ(Listing(merge.place.path()), before);
 }
 
 TEST(ShellDelete, RemovesATreeAndLeavesWhatLinksLeadTo) {
     const Merge merge;
     fs::create_directory_symlink(merge.to, merge.from / "album" / "outside");
     fs::create_directory_symlink("to", merge.place.path() / "link");
-    const Contents kept = FolderContents(merge.to);
+    const std::string kept = Listing(merge.to);
     {
         const FaultInjection injection({}, 20);
         EXPECT_NE(Delete(merge.from.string()), 0);
@@ -178,7 +166,7 @@ TEST(ShellDelete, RemovesATreeAndLeavesWhatLinksLeadTo) {
     EXPECT_LE(FolderContents(merge.from).size(), 4U) << "it goes on past what cannot be removed";
     EXPECT_EQ(Delete(merge.from.string()), 0);
     EXPECT_EQ(Delete((merge.place.path() / "link").string()), 0);
-    EXPECT_EQ(FolderContents(merge.to), kept);
+    EXPECT_EQ(Listing(merge.to), kept);
     EXPECT_EQ(std::distance(fs::directory_iterator(merge.place.path()), {}), 1);
 }
 

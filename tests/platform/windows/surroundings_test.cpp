@@ -31,14 +31,12 @@ TEST(Environment, SizesAsTheApi) {
 
 TEST(Environment, TempIsTheSystemsFolderWhileUnset) {
     const ScopedEnvironment temp("TEMP", std::nullopt);
-    {
-        const ScopedEnvironment unix_name("TMPDIR", "/elsewhere");
-        EXPECT_EQ(Variable(L"TEMP"), "/elsewhere");
-        const ScopedEnvironment set("TEMP", "C:\\Temp");
-        EXPECT_EQ(Variable(L"TEMP"), "C:\\Temp");
-    }
-    const ScopedEnvironment unix_name("TMPDIR", std::nullopt);
+    const ScopedEnvironment no_unix_name("TMPDIR", std::nullopt);
     EXPECT_EQ(Variable(L"TEMP"), P_tmpdir);
+    const ScopedEnvironment unix_name("TMPDIR", "/elsewhere");
+    EXPECT_EQ(Variable(L"TEMP"), "/elsewhere");
+    const ScopedEnvironment set("TEMP", "C:\\Temp");
+    EXPECT_EQ(Variable(L"TEMP"), "C:\\Temp");
 }
 
 std::string MusicFolder() {
@@ -72,7 +70,6 @@ TEST(MusicFolder, GoesByTheUserFoldersAndIsElseMusicInTheHomeFolder) {
 
 TEST(DynamicLibrary, LoadsByNameAndByPath) {
     HMODULE library = LoadLibraryW(L"libm.so.6");
-    ASSERT_NE(library, nullptr);
     const auto cosine = reinterpret_cast<double (*)(double)>(GetProcAddress(library, "cos"));
     ASSERT_NE(cosine, nullptr);
     EXPECT_EQ(cosine(0.0), 1.0);
@@ -80,10 +77,9 @@ TEST(DynamicLibrary, LoadsByNameAndByPath) {
     EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
     EXPECT_EQ(FreeLibrary(library), TRUE);
     const TempFolder folder;
-    folder.Write("libm.so.6", "no library");
-    for (const std::wstring &name : {std::wstring(L"MediaInfo-absent.dll"), std::wstring(),
-                                     Utf8ToWide(folder.path().string() + "\\libm.so.6")}) {
-        EXPECT_EQ(LoadLibraryW(name.c_str()), nullptr);
+    const std::string text = folder.Write("libm.so.6", "no library").string();
+    for (const std::string &name : {std::string("MediaInfo-absent.dll"), std::string(), text}) {
+        EXPECT_EQ(LoadLibraryW(Utf8ToWide(name).c_str()), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     }
     EXPECT_EQ(GetProcAddress(nullptr, "cos"), nullptr);

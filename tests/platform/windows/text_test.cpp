@@ -50,34 +50,30 @@ TEST(Utf8Text, SurrogatesOfWideText) {
     EXPECT_EQ(WideToUtf8(std::wstring{static_cast<wchar_t>(0x110000)}), "\xEF\xBF\xBD");
 }
 
+DWORD ErrorOf(int size) {
+    return size == 0 ? GetLastError() : 0;
+}
+
 TEST(TextConversion, SizesAndTerminators) {
     std::array<wchar_t, 4> wide;
-    const auto widen = [&](const char *text, int size, int room, UINT page = CP_UTF8, DWORD flags = 0) {
-        return MultiByteToWideChar(page, flags, text, size, room == 0 ? nullptr : wide.data(), room);
-    };
-    EXPECT_EQ(widen("\xC3\xA9z", -1, 0), 3);
-    EXPECT_EQ(widen("\xC3\xA9z", 3, 4), 2);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", 3, wide.data(), 4), 2);
     wide.fill(L'#');
-    EXPECT_EQ(widen("\xC3\xA9z", -1, 3), 3);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 3), 3);
     EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
-    EXPECT_EQ(widen("\xC3\xA9z", -1, 2), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(widen("", 0, 2), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(widen("a\xFF", -1, 4, CP_UTF8, MB_ERR_INVALID_CHARS), 0);
-    EXPECT_EQ(GetLastError(), ERROR_NO_UNICODE_TRANSLATION);
-    EXPECT_EQ(widen("a", -1, 4, 4711), 0);
+    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 2)),
+              ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "", 0, wide.data(), 2)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xFF", -1, wide.data(), 4)),
+              ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
     std::array<char, 4> narrow;
-    const auto narrow_down = [&](const wchar_t *text, int room) {
-        return WideCharToMultiByte(CP_UTF8, 0, text, -1, room == 0 ? nullptr : narrow.data(), room, nullptr,
-                                   nullptr);
-    };
-    EXPECT_EQ(narrow_down(L"\x00E9", 0), 3);
-    EXPECT_EQ(narrow_down(L"\x00E9", 3), 3);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, nullptr, 0, nullptr, nullptr), 3);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 3, nullptr, nullptr), 3);
     EXPECT_STREQ(narrow.data(), "\xC3\xA9");
-    EXPECT_EQ(narrow_down(L"\x00E9", 2), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(narrow_down(nullptr, 2), 0);
+    EXPECT_EQ(ErrorOf(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 2, nullptr, nullptr)),
+              ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, nullptr, -1, narrow.data(), 2, nullptr, nullptr), 0);
 }
 
 TEST(AnsiText, EveryByteOfTheSingleByteCodePagesComesBack) {

@@ -53,17 +53,16 @@ TEST(Threads, RunOnWhenTheirHandleIsClosed) {
 }
 
 TEST(Events, ManualAndAutomaticReset) {
-    HANDLE manual = CreateEventW(nullptr, TRUE, TRUE, nullptr);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
-    EXPECT_EQ(ResetEvent(manual), TRUE);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_TIMEOUT);
-    HANDLE automatic = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    EXPECT_EQ(SetEvent(automatic), TRUE);
-    EXPECT_EQ(WaitForSingleObject(automatic, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(automatic, 1), WAIT_TIMEOUT);
-    CloseHandle(manual);
-    CloseHandle(automatic);
+    for (const BOOL is_manual : {TRUE, FALSE}) {
+        HANDLE event = CreateEventW(nullptr, is_manual, TRUE, nullptr);
+        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(event, 0), is_manual ? WAIT_OBJECT_0 : WAIT_TIMEOUT);
+        EXPECT_EQ(SetEvent(event), TRUE);
+        EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(ResetEvent(event), TRUE);
+        EXPECT_EQ(WaitForSingleObject(event, 1), WAIT_TIMEOUT);
+        CloseHandle(event);
+    }
 }
 
 TEST(Handles, WrongOnesAreRefused) {
@@ -74,9 +73,7 @@ TEST(Handles, WrongOnesAreRefused) {
     CloseHandle(thread);
     for (HANDLE handle : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
         EXPECT_EQ(WaitForSingleObject(handle, 0), WAIT_FAILED);
-        EXPECT_EQ(SetEvent(handle), FALSE);
-        EXPECT_EQ(ResetEvent(handle), FALSE);
-        EXPECT_EQ(CloseHandle(handle), FALSE);
+        EXPECT_FALSE(SetEvent(handle) || ResetEvent(handle) || CloseHandle(handle));
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
     }
     EXPECT_EQ(CreateThread(nullptr, 0, nullptr, nullptr, 0, nullptr), nullptr);
