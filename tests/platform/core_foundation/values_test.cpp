@@ -163,8 +163,10 @@ TEST(MutableDictionaries, AddOnlyWhatIsAbsent) {
     EXPECT_EQ(Describe(keys[2]) + Describe(values[2]), "\"a\"F");
     CFMutableDictionaryRef fresh = CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr);
     const Owned fresh_owner(fresh);
-    CFDictionaryAddValue(fresh, CFSTR("k"), list.get());
-    EXPECT_EQ(Describe(fresh), "{\"k\":{\"a\":i1,\"b\":i2}}");
+    for (const char *key : {"one", "two", "three"})
+        CFDictionaryAddValue(fresh, NewString(key).get(),
+                             ReadBytes("<dict><key>k</key><true/></dict>").get());
+    EXPECT_EQ(Describe(fresh), R"({"one":{"k":T},"two":{"k":T},"three":{"k":T}})");
     CFDictionaryAddValue(const_cast<CFMutableDictionaryRef>(AsDictionary(list)), CFSTR("z"), kCFBooleanTrue);
     EXPECT_EQ(CFDictionaryGetCount(AsDictionary(list)), 2) << "a list that was read does not change";
 }

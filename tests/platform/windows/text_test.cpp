@@ -57,7 +57,7 @@ DWORD ErrorOf(int size) {
 TEST(TextConversion, SizesAndTerminators) {
     std::array<wchar_t, 4> wide;
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", 3, wide.data(), 4), 2);
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "\xC3\xA9z", 3, wide.data(), 4), 2);
     wide.fill(L'#');
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 3), 3);
     EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
