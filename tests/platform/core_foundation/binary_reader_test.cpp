@@ -4,7 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/core_foundation/value.h"
 #include "platform/limits.h"
 #include "tests/platform/core_foundation/list_text.h"
 
@@ -36,36 +35,29 @@ std::string Binary(const std::vector<std::string> &objects, const Layout &layout
     return file + BigEndian(objects.size(), 8) + BigEndian(layout.root, 8) + BigEndian(place, 8);
 }
 
-std::string Bytes(std::initializer_list<int> values) {
-    std::string bytes;
-    for (const int value : values)
-        bytes += static_cast<char>(value);
-    return bytes;
-}
+using std::string_literals::operator""s;
 
 TEST(BinaryReader, ReadsEveryKindOfScalar) {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {Bytes({0x08}), "F"},
-        {Bytes({0x09}), "T"},
-        {Bytes({0x10, 0xFF}), "i255"},
-        {Bytes({0x11, 0xFF, 0xFE}), "i65534"},
-        {Bytes({0x12}) + BigEndian(0xFFFFFFFF, 4), "i4294967295"},
-        {Bytes({0x13}) + std::string(8, '\xFF'), "i-1"},
-        {Bytes({0x14}) + std::string(16, '\xFF'), "i-1"},
-        {Bytes({0x14}) + BigEndian(1, 8) + BigEndian(5, 8), "i18446744073709551621"},
-        {Bytes({0x14}) + BigEndian(0, 8) + std::string(8, '\xFF'), "i18446744073709551615"},
-        {Bytes({0x22, 0x3F, 0xC0, 0, 0}), "r3ff8000000000000"},
-        {Bytes({0x23, 0x3F, 0xF8, 0, 0, 0, 0, 0, 0}), "r3ff8000000000000"},
-        {Bytes({0x33, 0x3F, 0xF8, 0, 0, 0, 0, 0, 0}), "d1500"},
-        {Bytes({0x42, 0x00, 0xFF}), "<00ff>"},
-        {Bytes({0x53}) + "abc", "\"abc\""},
-        {Bytes({0x5F, 0x10, 0x10}) + "0123456789abcdef", "\"0123456789abcdef\""},
-        {Bytes({0x52, 0xC3, 0xA9}), "\"\\xc3\\xa9\""},
-        {Bytes({0x62, 0x00, 0xE9, 0xDC, 0x00}), "\"\\xc3\\xa9\\xef\\xbf\\xbd\""},
-        {Bytes({0x62, 0xD8, 0x35, 0xDD, 0x62}), "\"\\xf0\\x9d\\x95\\xa2\""},
-        {Bytes({0x72, 0xC3, 0xA9}), "\"\\xc3\\xa9\""},
-        {Bytes({0x81, 0x01, 0x02}), "u258"},
-    };
+    const std::pair<std::string, const char *> cases[] = {
+        {"\x08", "F"},
+        {"\x09", "T"},
+        {"\x10\xFF", "i255"},
+        {"\x11\xFF\xFE", "i65534"},
+        {"\x12\xFF\xFF\xFF\xFF", "i4294967295"},
+        {"\x13" + std::string(8, '\xFF'), "i-1"},
+        {"\x14" + std::string(16, '\xFF'), "i-1"},
+        {"\x14" + BigEndian(1, 8) + BigEndian(5, 8), "i18446744073709551621"},
+        {"\x14" + BigEndian(0, 8) + std::string(8, '\xFF'), "i18446744073709551615"},
+        {"\x22\x3F\xC0\0\0"s, "r3ff8000000000000"},
+        {"\x23\x3F\xF8\0\0\0\0\0\0"s, "r3ff8000000000000"},
+        {"\x33\x3F\xF8\0\0\0\0\0\0"s, "d1500"},
+        {"\x42\x00\xFF"s, "<00ff>"},
+        {"\x5F\x10\x10 123456789abcdef", "\" 123456789abcdef\""},
+        {"\x52\xC3\xA9", "\"\\xc3\\xa9\""},
+        {"\x63\x00\xE9\xDC\x00\xD8\x00"s, "\"\\xc3\\xa9\\xef\\xbf\\xbd\\xef\\xbf\\xbd\""},
+        {"\x62\xD8\x35\xDD\x62", "\"\\xf0\\x9d\\x95\\xa2\""},
+        {"\x72\xC3\xA9", "\"\\xc3\\xa9\""},
+        {"\x81\x01\x02", "u258"}};
     for (const auto &[object, description] : cases)
         EXPECT_EQ(DescribeBytes(Binary({object})), description);
 }
@@ -74,66 +66,66 @@ TEST(BinaryReader, ReadsContainersWithNumbersOfEverySize) {
     for (size_t offset_size = 1; offset_size <= 8; ++offset_size) {
         for (size_t size = 1; size <= 8; ++size) {
             const auto reference = [&](uint64_t number) { return BigEndian(number, size); };
-            const std::string dictionary =
-                Bytes({0xD2}) + reference(1) + reference(2) + reference(3) + reference(4);
-            const std::string array = Bytes({0xA2}) + reference(1) + reference(1);
-            const std::string set = Bytes({0xC1}) + reference(1);
+            const std::string dictionary = "\xD2" + reference(1) + reference(2) + reference(3) + reference(4);
+            const std::string array = "\xA2" + reference(1) + reference(1);
+            const std::string set = "\xC1" + reference(1);
             EXPECT_EQ(
                 DescribeBytes(Binary({dictionary, "\x51k", "\x51l", array, set}, {offset_size, size, 0})),
                 R"({"k":["k","k"],"l":["k"]})");
         }
     }
-    EXPECT_EQ(DescribeBytes(Binary({"\x51x", Bytes({0xA1, 0x00})}, {2, 1, 1})), "[\"x\"]");
-    EXPECT_EQ(DescribeBytes(Binary({Bytes({0xD2, 1, 1, 2, 3}), "\x51k", Bytes({8}), Bytes({9})})),
-              "{\"k\":T}");
+    EXPECT_EQ(DescribeBytes(Binary({"\xD2\x01\x01\x02\x03", "\x51k", "\x08", "\x09"})), "{\"k\":T}");
 }
 
 TEST(BinaryReader, RefusesDamage) {
-    const std::string whole = Binary({Bytes({0xA1, 0x01}), "\x51x"});
+    const std::string whole = Binary({"\x51x", "\xA1\x00"s}, {2, 1, 1});
     ASSERT_EQ(DescribeBytes(whole), "[\"x\"]");
-    for (size_t size = std::string_view("bplist0").size(); size < whole.size(); ++size) {
+    for (size_t size = std::string_view("bplist0").size(); size < whole.size(); ++size)
         EXPECT_EQ(DescribeBytes(whole.substr(0, size)), "null") << size;
+    const std::vector<std::pair<const char *, std::vector<std::string>>> damaged = {
+        {"null object", {Binary({"\x00"s})}},
+        {"unknown marker", {Binary({"\xE0"})}},
+        {"bytes beyond the end",
+         {Binary({"\x5F\x11\xFF\xFF"}), Binary({"\x33"}), Binary({"\x23"}), Binary({"\xAE"})}},
+        {"huge count", {Binary({"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"})}},
+        {"a count that is no integer", {Binary({"\x5F\x51\x01"})}},
+        {"numbers of odd sizes", {Binary({"\x15" + std::string(32, '\0')}), Binary({"\x21\0\0"s})}},
+        {"a reference beyond the objects", {Binary({"\xA1\x02", "\x51x"}), Binary({"\x51x"}, {2, 1, 1})}},
+        {"keys that are no texts",
+         {Binary({"\xD1\x01\x02", "\x10\x01", "\x51x"}), Binary({"\xD1\x01\x02", "\xA0", "\x51x"})}},
+        {"objects inside themselves",
+         {Binary({"\xA1\x00"s}), Binary({"\xA1\x01", "\xA1\x00"s}), Binary({"\xD1\x00\x01"s, "\x51x"})}},
+        {"sizes that are none", {Binary({"\x51x"}, {0, 1, 0}), Binary({"\x51x"}, {2, 9, 0})}}};
+    for (const auto &[fault, files] : damaged) {
+        for (const std::string &file : files)
+            EXPECT_EQ(DescribeBytes(file), "null") << fault;
     }
-    const std::vector<std::pair<const char *, std::string>> damaged = {
-        {"null_object", Binary({Bytes({0x00})})},
-        {"unknown_marker", Binary({Bytes({0xE0})})},
-        {"text_beyond_end", Binary({Bytes({0x5F, 0x11, 0xFF, 0xFF})})},
-        {"huge_count", Binary({Bytes({0xAF, 0x13, 0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})})},
-        {"count_is_no_integer", Binary({Bytes({0x5F, 0x51, 0x01})})},
-        {"integer_of_32_bytes", Binary({Bytes({0x15}) + std::string(32, '\0')})},
-        {"real_of_2_bytes", Binary({Bytes({0x21, 0, 0})})},
-        {"reference_beyond_objects", Binary({Bytes({0xA1, 0x02}), "\x51x"})},
-        {"key_is_a_number", Binary({Bytes({0xD1, 1, 2}), Bytes({0x10, 1}), "\x51x"})},
-        {"key_is_a_container", Binary({Bytes({0xD1, 1, 2}), Bytes({0xA0}), "\x51x"})},
-        {"array_holds_itself", Binary({Bytes({0xA1, 0x00})})},
-        {"cycle_of_two", Binary({Bytes({0xA1, 0x01}), Bytes({0xA1, 0x00})})},
-        {"dictionary_is_its_key", Binary({Bytes({0xD1, 0x00, 0x01}), "\x51x"})},
-        {"root_beyond_objects", Binary({"\x51x"}, {2, 1, 1})},
-        {"offset_size_0", Binary({"\x51x"}, {0, 1, 0})},
-        {"reference_size_9", Binary({"\x51x"}, {2, 9, 0})},
-    };
-    for (const auto &[fault, file] : damaged)
-        EXPECT_EQ(DescribeBytes(file), "null") << fault;
 }
 
-TEST(BinaryReader, RefusesTooDeepNesting) {
-    const auto nested = [](size_t depth) {
+TEST(EveryForm, RefusesTooDeepNesting) {
+    constexpr size_t kDepth = limits::kListDepth.value;
+    const auto binary = [](size_t depth) {
         std::vector<std::string> objects;
         for (size_t i = 1; i < depth; ++i)
-            objects.push_back(Bytes({0xA1}) + BigEndian(i, 2));
-        objects.push_back(Bytes({0xA0}));
+            objects.push_back("\xA1" + BigEndian(i, 2));
+        objects.push_back("\xA0");
         return Binary(objects, {2, 2, 0});
     };
-    EXPECT_NE(DescribeBytes(nested(limits::kListDepth.value)), "null");
-    EXPECT_EQ(DescribeBytes(nested(limits::kListDepth.value + 1)), "null");
+    const auto xml = [](size_t depth) { return Repeat("<array>", depth) + Repeat("</array>", depth); };
+    const auto old_style = [](size_t depth) { return std::string(depth, '(') + std::string(depth, ')'); };
+    for (const std::string &list : {binary(kDepth), xml(kDepth), old_style(kDepth)})
+        EXPECT_NE(ReadBytes(list), nullptr) << list;
+    for (const std::string &list : {binary(kDepth + 1), xml(kDepth + 1), old_style(kDepth + 1),
+                                    Repeat("<array>", 1'000'000), std::string(1'000'000, '(')})
+        EXPECT_EQ(ReadBytes(list), nullptr) << list.substr(0, 2000);
 }
 
 // Sharing is allowed, but not to describe a tree out of proportion to the file.
 TEST(BinaryReader, BoundsWhatSharingMultiplies) {
-    const auto doubling = [](int levels) {
+    const auto doubling = [](uint64_t levels) {
         std::vector<std::string> objects;
-        for (int i = 1; i <= levels; ++i)
-            objects.push_back(Bytes({0xA2, i, i}));
+        for (uint64_t i = 1; i <= levels; ++i)
+            objects.push_back("\xA2" + BigEndian(i, 1) + BigEndian(i, 1));
         objects.push_back("\x51x");
         return Binary(objects);
     };
@@ -145,14 +137,12 @@ TEST(BinaryReader, BoundsWhatSharingMultiplies) {
 // All objects name the same bytes as their content.
 TEST(BinaryReader, RefusesOverlappingObjects) {
     constexpr size_t kObjects = 200;
-    std::string references;
-    for (size_t i = 0; i < kObjects; ++i)
-        references += BigEndian(kObjects - 1, 1);
-    std::string file = "bplist00" + Bytes({0xAF, 0x10, static_cast<int>(kObjects)}) + references + "\x51x";
+    std::string file = "bplist00\xAF\x10" + BigEndian(kObjects, 1) +
+                       std::string(kObjects, static_cast<char>(kObjects - 1)) + "\x51x";
     const size_t place = file.size();
     for (size_t i = 0; i + 1 < kObjects; ++i)
         file += BigEndian(8, 2);
-    file += BigEndian(place - 2, 2) + std::string(6, '\0') + Bytes({2, 1}) + BigEndian(kObjects, 8) +
+    file += BigEndian(place - 2, 2) + std::string(6, '\0') + "\x02\x01" + BigEndian(kObjects, 8) +
             BigEndian(0, 8) + BigEndian(place, 8);
     EXPECT_NE(ReadBytes(file), nullptr) << "only one of them is used";
     // Now object i refers to object i + 1 as well: each counts all the references again.

@@ -9,59 +9,54 @@
 #include "platform/core_foundation/tree_walk.h"
 #include "tests/support/temp_folder.h"
 
-using core_foundation::ToValue;
 using core_foundation::TreeWalk;
 using core_foundation::Value;
 using core_foundation::ValueType;
 
 namespace {
 
-template <typename... Arguments>
-void Print(std::string &out, const char *format, Arguments... arguments) {
+template <typename Number>
+std::string Print(const char *format, Number number) {
     std::array<char, 64> buffer;
-    std::snprintf(buffer.data(), buffer.size(), format, arguments...);
-    out += buffer.data();
+    std::snprintf(buffer.data(), buffer.size(), format, number);
+    return buffer.data();
 }
 
-void AppendQuoted(std::string_view text, std::string &out) {
-    out += '"';
+std::string Quoted(std::string_view text) {
+    std::string out;
     for (const char byte : text) {
-        if (byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\') {
-            out += byte;
-        } else {
-            Print(out, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
-        }
+        const bool is_plain = byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
+        out += is_plain ? std::string(1, byte) : Print("\\x%02x", static_cast<unsigned char>(byte));
     }
-    out += '"';
+    return '"' + out + '"';
 }
 
-void AppendScalar(const Value &value, std::string &out) {
+std::string DescribeScalar(const Value &value) {
+    std::string digits;
     switch (value.type) {
         case ValueType::kString:
-            AppendQuoted(core_foundation::TextOf(value), out);
-            break;
+            return Quoted(core_foundation::TextOf(value));
         case ValueType::kNumber:
-            if (core_foundation::Has(value, core_foundation::kReal)) {
-                Print(out, "r%016llx", static_cast<unsigned long long>(std::bit_cast<uint64_t>(value.real)));
-            } else {
-                out += "i" + core_foundation::FormatInteger(value);
-            }
-            break;
+            return core_foundation::Has(value, core_foundation::kReal)
+                       ? Print("r%016lx", std::bit_cast<uint64_t>(value.real))
+                       : "i" + core_foundation::FormatInteger(value);
         case ValueType::kBoolean:
-            out += value.integer != 0 ? 'T' : 'F';
-            break;
+            return value.integer != 0 ? "T" : "F";
         case ValueType::kDate:
-            Print(out, "d%lld", std::llround(value.real * 1000));
-            break;
+            return Print("d%lld", std::llround(value.real * 1000));
         case ValueType::kData:
-            out += '<';
             for (uint32_t i = 0; i < value.length; ++i)
-                Print(out, "%02x", static_cast<unsigned>(value.bytes[i]));
-            out += '>';
-            break;
+                digits += Print("%02x", value.bytes[i]);
+            return '<' + digits + '>';
         default:
-            Print(out, "u%lld", static_cast<long long>(value.integer));
+            return "u" + std::to_string(value.integer);
     }
+}
+
+Owned NewUrl(const std::string &path) {
+    return Owned(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault,
+                                                         reinterpret_cast<const UInt8 *>(path.data()),
+                                                         static_cast<CFIndex>(path.size()), false));
 }
 
 }  // namespace
@@ -69,24 +64,19 @@ void AppendScalar(const Value &value, std::string &out) {
 std::string Describe(CFPropertyListRef list) {
     if (list == nullptr) return "null";
     std::string out;
-    bool needs_comma = false;
-    TreeWalk walk(*ToValue(list));
+    TreeWalk walk(*core_foundation::ToValue(list));
     while (walk.Next()) {
         const bool is_array = walk.value().type == ValueType::kArray;
-        if (walk.event() == TreeWalk::Event::kClose) {
-            out += is_array ? ']' : '}';
-            needs_comma = true;
-            continue;
-        }
-        if (needs_comma) out += ',';
         if (walk.event() == TreeWalk::Event::kOpen) {
-            out += is_array ? '[' : '{';
+            out += is_array ? "[" : "{";
+        } else if (walk.event() == TreeWalk::Event::kClose) {
+            if (out.back() == ',') out.pop_back();
+            out += is_array ? "]," : "},";
         } else {
-            AppendScalar(walk.value(), out);
+            out += DescribeScalar(walk.value()) + (walk.event() == TreeWalk::Event::kKey ? ':' : ',');
         }
-        if (walk.event() == TreeWalk::Event::kKey) out += ':';
-        needs_comma = walk.event() == TreeWalk::Event::kScalar;
     }
+    out.pop_back();
     return out;
 }
 
@@ -101,21 +91,14 @@ Owned ReadBytes(std::string_view bytes, CFPropertyListFormat *format) {
                                               kCFPropertyListImmutable, format, nullptr));
 }
 
-namespace {
-
-CFURLRef NewUrl(const std::string &path) {
-    return CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault,
-                                                   reinterpret_cast<const UInt8 *>(path.data()),
-                                                   static_cast<CFIndex>(path.size()), false);
+Owned NewReadStream(const std::string &path) {
+    const Owned url = NewUrl(path);
+    return Owned(CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get())));
 }
 
-}  // namespace
-
 Owned ReadFile(const std::string &path) {
-    const Owned url(NewUrl(path));
-    CFReadStreamRef stream =
-        CFReadStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
-    const Owned owned_stream(stream);
+    const Owned owned_stream = NewReadStream(path);
+    auto *stream = static_cast<CFReadStreamRef>(const_cast<void *>(owned_stream.get()));
     if (!CFReadStreamOpen(stream)) return nullptr;
     Owned list(CFPropertyListCreateWithStream(kCFAllocatorDefault, stream, 0, 0, nullptr, nullptr));
     CFReadStreamClose(stream);
@@ -123,7 +106,7 @@ Owned ReadFile(const std::string &path) {
 }
 
 bool WriteFile(const std::string &path, CFPropertyListRef list, CFPropertyListFormat format) {
-    const Owned url(NewUrl(path));
+    const Owned url = NewUrl(path);
     CFWriteStreamRef stream =
         CFWriteStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
@@ -146,6 +129,13 @@ Owned NewString(const std::string &text) {
 std::string Utf16(std::string_view text, bool big_endian) {
     std::string units;
     for (const char byte : text)
-        units += big_endian ? std::string{'\0', byte} : std::string{byte, '\0'};
+        (units += big_endian ? '\0' : byte) += big_endian ? byte : '\0';
     return units;
+}
+
+std::string Repeat(std::string_view text, size_t count) {
+    std::string repeated;
+    for (size_t i = 0; i < count; ++i)
+        repeated += text;
+    return repeated;
 }

@@ -1,18 +1,14 @@
 #ifndef TESTS_PLATFORM_CORE_FOUNDATION_LIST_TEXT_H
 #define TESTS_PLATFORM_CORE_FOUNDATION_LIST_TEXT_H
 
-#include <memory>
 #include <string>
 #include <string_view>
 
+#include "platform/core_foundation/cf_owner.h"
 #include "platform/core_foundation/core_foundation.h"
 
-struct ReleaseReference {
-    void operator()(const void *reference) const { CFRelease(reference); }
-};
-
 // A reference that the test owns.
-using Owned = std::unique_ptr<const void, ReleaseReference>;
+using Owned = CFOwner;
 
 // The list as one line of text, the same for equal lists. Dictionaries keep their order.
 //
@@ -26,6 +22,7 @@ std::string DescribeBytes(std::string_view bytes);
 
 Owned ReadBytes(std::string_view bytes, CFPropertyListFormat *format = nullptr);
 Owned ReadFile(const std::string &path);
+Owned NewReadStream(const std::string &path);
 
 // False when CFPropertyListWrite reports a failure.
 bool WriteFile(const std::string &path, CFPropertyListRef list, CFPropertyListFormat format);
@@ -36,5 +33,7 @@ Owned NewString(const std::string &text);
 
 // Text in UTF-16, without a mark. The text is ASCII.
 std::string Utf16(std::string_view text, bool big_endian);
+
+std::string Repeat(std::string_view text, size_t count);
 
 #endif

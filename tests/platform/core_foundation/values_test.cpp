@@ -1,14 +1,17 @@
+// The CoreFoundation names over the values of a list, and the calendar behind dates.
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "platform/core_foundation/core_foundation.h"
+#include "platform/core_foundation/calendar.h"
 #include "tests/platform/core_foundation/list_text.h"
 
 namespace {
@@ -17,41 +20,24 @@ CFDictionaryRef AsDictionary(const Owned &list) {
     return static_cast<CFDictionaryRef>(list.get());
 }
 
-TEST(Strings, HaveTheirUtf8AtHand) {
-    const Owned list =
-        ReadBytes("<array><string>plain</string><string>a&amp;b</string><string>é日𝕢\xFF</string></array>");
-    const auto array = static_cast<CFArrayRef>(list.get());
-    const auto string = [&](CFIndex index) {
-        return static_cast<CFStringRef>(CFArrayGetValueAtIndex(array, index));
-    };
-    EXPECT_STREQ(CFStringGetCStringPtr(string(0), kCFStringEncodingUTF8), "plain");
-    EXPECT_STREQ(CFStringGetCStringPtr(string(1), kCFStringEncodingUTF8), "a&b");
-    EXPECT_EQ(CFStringGetCStringPtr(string(0), 0), nullptr);
-    EXPECT_EQ(CFStringGetLength(string(0)), 5);
-    EXPECT_EQ(CFStringGetLength(string(2)), 1 + 1 + 2 + 1)
-        << "UTF-16 units, and one for a byte that is not UTF-8";
-    std::array<char, 6> buffer = {};
-    EXPECT_FALSE(CFStringGetCString(string(0), buffer.data(), 5, kCFStringEncodingUTF8));
-    EXPECT_TRUE(CFStringGetCString(string(0), buffer.data(), 6, kCFStringEncodingUTF8));
-    EXPECT_STREQ(buffer.data(), "plain");
-    EXPECT_EQ(CFArrayGetValueAtIndex(array, 3), nullptr);
-    EXPECT_EQ(CFArrayGetValueAtIndex(array, -1), nullptr);
-}
-
-TEST(Strings, FitTheMaximumSizeWhateverTheirBytes) {
-    for (const char *text :
-         {"", "abc", "\xFF\xFF\x80\x80", "\xF0\x9D\x95\xA2", "\xE6\x97\xA5", "\xC0\x80\xED\xA0\x80\xF5"}) {
+TEST(Strings, GiveTheirUtf8AndTheirLengthInUtf16) {
+    // A byte that is not UTF-8 counts as one.
+    for (const auto &[text, length] : {std::pair("", 0),
+                                       {"plain", 5},
+                                       {"é日𝕢\xFF", 1 + 1 + 2 + 1},
+                                       {"\xFF\xFF\x80\x80", 4},
+                                       {"\xC0\x80\xED\xA0\x80\xF5", 6}}) {
         const Owned owned = NewString(text);
         const auto string = static_cast<CFStringRef>(owned.get());
-        const CFIndex size =
-            CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
-        std::string buffer(static_cast<size_t>(size), '?');
-        EXPECT_TRUE(CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8));
-        EXPECT_STREQ(buffer.c_str(), text);
+        const auto size = static_cast<CFIndex>(std::strlen(text)) + 1;
+        std::array<char, 12> buffer = {};
+        EXPECT_EQ(CFStringGetLength(string), length) << text;
+        EXPECT_GE(CFStringGetMaximumSizeForEncoding(length, kCFStringEncodingUTF8), size - 1) << text;
+        EXPECT_FALSE(CFStringGetCString(string, buffer.data(), size - 1, kCFStringEncodingUTF8)) << text;
+        EXPECT_TRUE(CFStringGetCString(string, buffer.data(), size, kCFStringEncodingUTF8)) << text;
+        EXPECT_STREQ(buffer.data(), text);
+        EXPECT_EQ(CFStringGetCStringPtr(string, 0), nullptr);
     }
-}
-
-TEST(Strings, AreOneForEachLiteral) {
     EXPECT_EQ(CFSTR("same"), CFSTR("same"));
     EXPECT_NE(CFSTR("same"), CFSTR("other"));
     CFRelease(CFSTR("same"));  // NOLINT(clang-analyzer-osx.cocoa.RetainCount): one too many, on purpose
@@ -62,46 +48,42 @@ TEST(Numbers, GiveWholeSigned64BitValuesOnly) {
     const auto read = [](const std::string &text) {
         const Owned number = ReadBytes(text);
         SInt64 value = -99;
-        return CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt64Type, &value)
-                   ? std::to_string(value)
-                   : "none" + std::string(value == -99 ? "" : ", but written");
+        const bool is_given =
+            CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt64Type, &value);
+        return is_given == (value == -99) ? "wrong" : is_given ? std::to_string(value) : "none";
     };
     EXPECT_EQ(read("<integer>-5</integer>"), "-5");
     EXPECT_EQ(read("<real>7.0</real>"), "7");
     EXPECT_EQ(read("<real>-9223372036854775808</real>"), "-9223372036854775808");
-    EXPECT_EQ(read("<real>9223372036854775808</real>"), "none");
-    EXPECT_EQ(read("<real>2.5</real>"), "none");
-    EXPECT_EQ(read("<real>nan</real>"), "none");
-    EXPECT_EQ(read("<real>inf</real>"), "none");
-    EXPECT_EQ(read("<integer>9223372036854775808</integer>"), "none");
-}
-
-TEST(Numbers, ConvertToOtherTypes) {
-    const SInt64 large = SInt64{1} << 40;
-    const Owned number(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &large));
-    SInt32 narrow = 0;
-    double real = 0;
-    EXPECT_FALSE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt32Type, &narrow));
-    EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberDoubleType, &real));
-    EXPECT_EQ(real, std::ldexp(1, 40));
-    EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(number.get())));
-    EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, 99, &large), nullptr);
+    for (const char *text : {"<real>9223372036854775808</real>", "<integer>9223372036854775808</integer>",
+                             "<real>2.5</real>", "<real>nan</real>", "<real>inf</real>"})
+        EXPECT_EQ(read(text), "none") << text;
+    for (const SInt64 large : {SInt64{1} << 31, -(SInt64{1} << 31) - 1}) {
+        const Owned number(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &large));
+        SInt32 narrow = 0;
+        double real = 0;
+        EXPECT_FALSE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt32Type, &narrow));
+        EXPECT_TRUE(CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberDoubleType, &real));
+        EXPECT_EQ(real, static_cast<double>(large));
+        EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(number.get())));
+    }
+    EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, 99, "12345678"), nullptr);
 }
 
 TEST(Types, AreToldApart) {
     const Owned list = ReadBytes(
-        "<array><string/><integer>1</integer><true/><date>2001-01-01T00:00:00Z</date><data/><array/><dict/></"
-        "array>");
-    const std::vector<CFTypeID> ids = {CFStringGetTypeID(),    CFNumberGetTypeID(), CFBooleanGetTypeID(),
-                                       CFDateGetTypeID(),      CFDataGetTypeID(),   CFArrayGetTypeID(),
-                                       CFDictionaryGetTypeID()};
-    for (size_t i = 0; i < ids.size(); ++i) {
-        const auto index = static_cast<CFIndex>(i);
-        EXPECT_EQ(CFGetTypeID(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), index)), ids[i]);
-        for (size_t j = 0; j < i; ++j)
-            EXPECT_NE(ids[i], ids[j]);
-    }
-    EXPECT_TRUE(CFBooleanGetValue(kCFBooleanTrue));
+        "<array><string/><integer>1</integer><true/><date>2001-01-01T00:00:00Z</date><data/><array/><dict/>"
+        "</array>");
+    const auto at = [&](CFIndex index) {
+        return CFArrayGetValueAtIndex(static_cast<CFArrayRef>(list.get()), index);
+    };
+    CFIndex index = 0;
+    for (const auto type_id : {CFStringGetTypeID, CFNumberGetTypeID, CFBooleanGetTypeID, CFDateGetTypeID,
+                               CFDataGetTypeID, CFArrayGetTypeID, CFDictionaryGetTypeID})
+        EXPECT_EQ(CFGetTypeID(at(index++)), type_id()) << index;
+    EXPECT_EQ(at(7), nullptr);
+    EXPECT_EQ(at(-1), nullptr);
+    EXPECT_TRUE(CFBooleanGetValue(static_cast<CFBooleanRef>(at(2))));
     EXPECT_FALSE(CFBooleanGetValue(kCFBooleanFalse));
 }
 
@@ -111,63 +93,54 @@ TEST(Data, IsReplacedInPlaceAndWritten) {
     const auto replace = [&](CFIndex location, CFIndex length, const std::string &bytes) {
         CFDataReplaceBytes(const_cast<CFMutableDataRef>(data), CFRangeMake(location, length),
                            reinterpret_cast<const UInt8 *>(bytes.data()), static_cast<CFIndex>(bytes.size()));
-        return Describe(ReadBytes(WriteBytes(list.get(), kCFPropertyListXMLFormat_v1_0)).get());
+        return DescribeBytes(WriteBytes(list.get(), kCFPropertyListXMLFormat_v1_0));
     };
     EXPECT_EQ(replace(4, 1, "\x01"), "{\"d\":<0001020301>}");
     EXPECT_EQ(replace(5, 1, "x"), "{\"d\":<0001020301>}") << "out of range";
     EXPECT_EQ(replace(1, 3, ""), "{\"d\":<0001>}");
     EXPECT_EQ(replace(1, 0, "abcdefgh"), "{\"d\":<00616263646566676801>}");
-    EXPECT_EQ(CFDataGetLength(data), 10);
     std::array<UInt8, 2> bytes = {};
     CFDataGetBytes(data, CFRangeMake(8, 2), bytes.data());
     EXPECT_EQ(bytes[0], 'h');
     CFDataGetBytes(data, CFRangeMake(9, 2), bytes.data());
     EXPECT_EQ(bytes[0], 'h') << "a range beyond the end copies nothing";
-}
-
-TEST(Data, OfItsOwnGrows) {
     const Owned owned(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>("abc"), 3));
-    auto *data = const_cast<CFMutableDataRef>(static_cast<CFDataRef>(owned.get()));
-    CFDataReplaceBytes(data, CFRangeMake(1, 1), CFDataGetBytePtr(data), 3);
-    EXPECT_EQ(Describe(owned.get()), "<6161626363>") << "its own bytes are a source like any other";
+    auto *own = const_cast<CFMutableDataRef>(static_cast<CFDataRef>(owned.get()));
+    CFDataReplaceBytes(own, CFRangeMake(1, 1), CFDataGetBytePtr(own), 3);
+    EXPECT_EQ(Describe(own), "<6161626363>") << "its own bytes are a source like any other";
+    EXPECT_EQ(CFDataGetLength(own), 5);
 }
 
-TEST(Dictionaries, ListPairsInTheOrderOfTheFile) {
-    const Owned list =
-        ReadBytes("<dict><key>b</key><integer>1</integer><key>a</key><integer>2</integer></dict>");
-    std::array<const void *, 2> keys = {}, values = {};
-    CFDictionaryGetKeysAndValues(AsDictionary(list), keys.data(), values.data());
-    EXPECT_EQ(Describe(keys[0]) + Describe(values[0]) + Describe(keys[1]) + Describe(values[1]),
-              "\"b\"i1\"a\"i2");
-    EXPECT_EQ(CFDictionaryGetValue(AsDictionary(list), CFSTR("a")), values[1]);
-    CFDictionaryGetKeysAndValues(AsDictionary(list), nullptr, values.data());
-    CFDictionaryGetKeysAndValues(AsDictionary(list), keys.data(), nullptr);
-}
-
-// Large dictionaries are searched by an index, or by halves where the keys ascend.
+// Large dictionaries are searched by an index, or by halves where the keys ascend. Of two values for a key
+// the later one counts, in the place of the first.
 TEST(Dictionaries, FindEveryKeyOfAnySizeAndOrder) {
-    const auto mixed = [](int i) {
-        return std::string(static_cast<size_t>(i % 20), 'k') + std::to_string(i);
-    };
-    const auto ascending = [](int i) { return std::to_string(2 * i + 1); };
-    const auto late_descent = [](int i) { return i == 900 ? "0" : std::to_string(2 * i + 1); };
-    for (const std::function<std::string(int)> &key :
-         {std::function<std::string(int)>(mixed), std::function<std::string(int)>(ascending),
-          std::function<std::string(int)>(late_descent)}) {
-        for (const int count : {0, 1, 63, 64, 65, 66, 1000}) {
+    const std::function<std::string(int)> orders[] = {
+        [](int i) { return std::string(static_cast<size_t>(i % 20), 'k') + std::to_string(i); },
+        [](int i) { return std::to_string(2 * i + 1); },
+        [](int i) { return i == 900 ? "0" : std::to_string(2 * i + 1); }};
+    for (const auto &key : orders) {
+        for (const int count : {0, 1, 63, 64, 65, 66, 1000, -66, -1000}) {
             std::string text = "<dict>";
-            for (int i = 0; i < count; ++i) {
-                text += "<key>" + key(i) + "</key><integer>" + std::to_string(i) + "</integer>";
-            }
+            const auto add = [&](int i, int value) {
+                text += "<key>" + key(i) + "</key><integer>" + std::to_string(value) + "</integer>";
+            };
+            for (int i = 0; i < std::abs(count); ++i)
+                add(i, count < 0 && i % 63 == 2 ? -1 : i);
+            for (int i = 2; i < -count; i += 63)
+                add(i, i);
             const Owned list = ReadBytes(text + "</dict>");
-            ASSERT_EQ(CFDictionaryGetCount(AsDictionary(list)), count);
-            for (int i = 0; i < count; ++i) {
-                const void *value = CFDictionaryGetValue(AsDictionary(list), NewString(key(i)).get());
-                ASSERT_EQ(Describe(value), "i" + std::to_string(i)) << count;
+            ASSERT_EQ(CFDictionaryGetCount(AsDictionary(list)), std::abs(count));
+            std::vector<const void *> keys(static_cast<size_t>(std::abs(count))), values(keys);
+            CFDictionaryGetKeysAndValues(AsDictionary(list), keys.data(), nullptr);
+            CFDictionaryGetKeysAndValues(AsDictionary(list), nullptr, values.data());
+            for (size_t i = 0; i < keys.size(); ++i) {
+                const Owned name = NewString(key(static_cast<int>(i)));
+                ASSERT_TRUE(CFEqual(keys[i], name.get())) << count;
+                ASSERT_EQ(Describe(values[i]), "i" + std::to_string(i)) << count;
+                ASSERT_EQ(CFDictionaryGetValue(AsDictionary(list), name.get()), values[i]) << count;
             }
-            for (const char *absent : {"", "2", "absent", "99999999"}) {
+            for (const char *absent : {"", "2", "absent", "99999999"})
                 EXPECT_EQ(CFDictionaryGetValue(AsDictionary(list), NewString(absent).get()), nullptr);
-            }
         }
     }
 }
@@ -188,12 +161,18 @@ TEST(MutableDictionaries, AddOnlyWhatIsAbsent) {
     std::array<const void *, 3> keys = {}, values = {};
     CFDictionaryGetKeysAndValues(copy, keys.data(), values.data());
     EXPECT_EQ(Describe(keys[2]) + Describe(values[2]), "\"a\"F");
+    CFMutableDictionaryRef fresh = CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr);
+    const Owned fresh_owner(fresh);
+    for (const char *key : {"one", "two", "three"})
+        CFDictionaryAddValue(fresh, NewString(key).get(),
+                             ReadBytes("<dict><key>k</key><true/></dict>").get());
+    EXPECT_EQ(Describe(fresh), R"({"one":{"k":T},"two":{"k":T},"three":{"k":T}})");
     CFDictionaryAddValue(const_cast<CFMutableDictionaryRef>(AsDictionary(list)), CFSTR("z"), kCFBooleanTrue);
     EXPECT_EQ(CFDictionaryGetCount(AsDictionary(list)), 2) << "a list that was read does not change";
 }
 
 // Under AddressSanitizer a document that dies too early or never is a failure of this test.
-TEST(References, KeepTheDocumentOfARetainedValue) {
+TEST(References, KeepTheDocumentsOfRetainedValues) {
     Owned list = ReadBytes(
         "<dict><key>books</key><array><dict><key>path</key><string>x</string></dict></array></dict>");
     const void *books = CFDictionaryGetValue(AsDictionary(list), CFSTR("books"));
@@ -202,25 +181,13 @@ TEST(References, KeepTheDocumentOfARetainedValue) {
     list.reset();
     CFArrayAppendValue(copy, kCFBooleanTrue);
     CFArrayAppendValue(copy, NewString("of a caller").get());
-    EXPECT_EQ(Describe(copy), R"([{"path":"x"},T,"of a caller"])");
-    const void *entry = CFRetain(CFArrayGetValueAtIndex(copy, 0));
-    EXPECT_EQ(Describe(entry), "{\"path\":\"x\"}");
-    CFRelease(entry);
-    CFRelease(
-        nullptr);  // NOLINT(clang-analyzer-osx.coreFoundation.CFRetainRelease): harmless in this library
+    CFArrayAppendValue(copy, ReadBytes("<dict><key>other</key><true/></dict>").get());
+    EXPECT_EQ(Describe(copy), R"([{"path":"x"},T,"of a caller",{"other":T}])");
+    EXPECT_EQ(DescribeBytes(WriteBytes(copy, kCFPropertyListBinaryFormat_v1_0)), Describe(copy));
+    const Owned entry(CFRetain(CFArrayGetValueAtIndex(copy, 0)));
+    EXPECT_EQ(Describe(entry.get()), "{\"path\":\"x\"}");
     EXPECT_EQ(CFRetain(nullptr), nullptr);
-}
-
-TEST(References, LetDocumentsMeetInOneList) {
-    CFMutableDictionaryRef root = CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-    const Owned owner(root);
-    for (const char *key : {"one", "two", "three"}) {
-        const Owned list = ReadBytes("<dict><key>" + std::string(key) + "</key><true/></dict>");
-        CFDictionaryAddValue(root, NewString(key).get(), list.get());
-    }
-    EXPECT_EQ(Describe(root), R"({"one":{"one":T},"two":{"two":T},"three":{"three":T}})");
-    EXPECT_EQ(DescribeBytes(WriteBytes(root, kCFPropertyListBinaryFormat_v1_0)), Describe(root));
+    CFRelease(nullptr);  // NOLINT(clang-analyzer-osx.coreFoundation.CFRetainRelease): harmless here
 }
 
 TEST(References, ReleaseAnyDepth) {
@@ -252,21 +219,43 @@ TEST(References, AreCountedAcrossThreads) {
 }
 
 TEST(Equality, LooksThroughContainers) {
-    const std::string text =
-        "<dict><key>a</key><array><real>1</real><data>AA==</data></array><key>b</key><true/></dict>";
-    const Owned list = ReadBytes(text);
-    EXPECT_TRUE(CFEqual(list.get(), ReadBytes(text).get()));
-    EXPECT_TRUE(CFEqual(list.get(), ReadBytes("<dict><key>b</key><true/><key>a</key><array><real>1</real>"
-                                              "<data>AA==</data></array></dict>")
-                                        .get()));
-    for (const char *other :
-         {"<dict/>", "<array/>",
-          "<dict><key>a</key><array><real>1</real><data>AQ==</data></array><key>b</key><true/></dict>",
-          "<dict><key>a</key><array><integer>1</integer><data>AA==</data></array><key>b</key><true/></dict>",
-          "<dict><key>a</key><array><real>1</real><data>AA==</data></array><key>c</key><true/></dict>"}) {
-        EXPECT_FALSE(CFEqual(list.get(), ReadBytes(other).get())) << other;
+    const auto list = [](const char *key, const char *real, const char *data) {
+        return ReadBytes("<dict><key>a</key><array>" + std::string(real) + "<data>" + data +
+                         "</data></array><key>" + key + "</key><true/></dict>");
+    };
+    const Owned one = list("b", "<real>1</real>", "AA==");
+    EXPECT_TRUE(CFEqual(one.get(), ReadBytes("<dict><key>b</key><true/><key>a</key><array><real>1</real>"
+                                             "<data>AA==</data></array></dict>")
+                                       .get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("b", "<real>1</real>", "AQ==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("b", "<integer>1</integer>", "AA==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), list("c", "<real>1</real>", "AA==").get()));
+    EXPECT_FALSE(CFEqual(one.get(), ReadBytes("<dict/>").get()));
+    EXPECT_FALSE(CFEqual(one.get(), ReadBytes("<array/>").get()));
+    EXPECT_FALSE(CFEqual(one.get(), nullptr));
+}
+
+// The standard library has a calendar of its own.
+TEST(Calendar, AgreesWithTheStandardLibraryOnEveryDay) {
+    using std::chrono::days, std::chrono::sys_days, std::chrono::year_month_day;
+    const sys_days first{std::chrono::year(2001) / 1 / 1};
+    for (int64_t day = -1'000'000; day <= 1'000'000; ++day) {
+        const year_month_day expected{first + days(day)};
+        const core_foundation::CivilDate date = core_foundation::CivilFromDays(day);
+        const std::chrono::month month(static_cast<unsigned>(date.month));
+        ASSERT_EQ(std::chrono::year(static_cast<int>(date.year)) / month / date.day, expected) << day;
+        ASSERT_EQ(core_foundation::DaysFromCivil(date), day);
     }
-    EXPECT_FALSE(CFEqual(list.get(), nullptr));
+}
+
+TEST(Calendar, SplitsAMomentAndBoundsThoseWithoutAYear) {
+    const CFGregorianDate date = CFAbsoluteTimeGetGregorianDate(-0.25, nullptr);
+    EXPECT_EQ(std::tuple(date.year, date.month, date.day, date.hour, date.minute, date.second),
+              std::tuple(2000, 12, 31, 23, 59, 59.75));
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    EXPECT_GT(CFAbsoluteTimeGetGregorianDate(kInfinity, nullptr).year, 2'000'000'000);
+    EXPECT_LT(CFAbsoluteTimeGetGregorianDate(-1e300, nullptr).year, -2'000'000'000);
+    EXPECT_EQ(CFAbsoluteTimeGetGregorianDate(std::nan(""), nullptr).year, 2001);
 }
 
 }  // namespace

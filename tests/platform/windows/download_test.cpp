@@ -1,5 +1,4 @@
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -9,14 +8,11 @@
 #include <string>
 #include <thread>
 
-#include "platform/windows/text.h"
 #include "platform/windows/windows_api.h"
-#include "tests/platform/windows/folder_contents.h"
+#include "tests/platform/windows/folder_test.h"
 #include "tests/support/scoped_environment.h"
 
 namespace {
-
-using Contents = std::map<std::string, std::string>;
 
 // Answers each connection on the loopback address with a fixed text, until its own end.
 class Server {
@@ -53,13 +49,7 @@ class Server {
             ++connections_;
             std::array<char, 4096> request;
             static_cast<void>(recv(connection, request.data(), request.size(), 0));
-            size_t sent = 0;
-            while (sent < answer_.size()) {
-                const ssize_t size =
-                    send(connection, answer_.data() + sent, answer_.size() - sent, MSG_NOSIGNAL);
-                if (size <= 0) break;
-                sent += static_cast<size_t>(size);
-            }
+            static_cast<void>(send(connection, answer_.data(), answer_.size(), MSG_NOSIGNAL));
             close(connection);
         }
     }
@@ -75,86 +65,51 @@ std::string Answer(const std::string &status, const std::string &headers, const 
     return "HTTP/1.1 " + status + "\r\nConnection: close\r\n" + headers + "\r\n" + body;
 }
 
-class Download : public testing::Test {
+class Download : public FolderTest {
   protected:
     HRESULT Fetch(const std::string &url) const {
-        const std::wstring target = Utf8ToWide(folder_.path().string() + "\\ICON.jpg");
-        return URLDownloadToFileW(nullptr, Utf8ToWide(url).c_str(), target.c_str(), 0, nullptr);
+        return URLDownloadToFileW(nullptr, Utf8ToWide(url).c_str(), Wide("ICON.jpg").c_str(), 0, nullptr);
     }
+    std::string Files() const { return Listing(folder_.path()); }
 
-    // Whether a failed download leaves both an empty folder and an old file as they were.
-    void ExpectNothing(const std::string &url) const {
-        EXPECT_TRUE(FAILED(Fetch(url))) << url;
-        EXPECT_EQ(FolderContents(folder_.path()), Contents()) << url;
-        folder_.Write("icon.jpg", "old");
-        EXPECT_TRUE(FAILED(Fetch(url))) << url;
-        EXPECT_EQ(FolderContents(folder_.path()), (Contents{{"icon.jpg", "old"}})) << url;
-        std::filesystem::remove(folder_.path() / "icon.jpg");
-    }
-
-    TempFolder folder_;
     ScopedEnvironment no_proxy_{"no_proxy", "127.0.0.1"};
 };
 
-TEST_F(Download, WritesTheTarget) {
+TEST_F(Download, WritesTheTargetAndFollowsARedirectionToHttp) {
     const std::string picture("\x89PNG\0\r\n", 7);
     const Server server(Answer("200 OK", "Content-Length: 7\r\n", picture));
     EXPECT_EQ(Fetch(server.Url()), S_OK);
-    EXPECT_EQ(FolderContents(folder_.path()), (Contents{{"ICON.jpg", picture}}));
+    EXPECT_EQ(Files(), "ICON.jpg=" + picture + ";");
+    const Server other(Answer("200 OK", "Content-Length: 3\r\n", "png"));
+    const Server redirection(Answer("302 Found", "Location: " + other.Url() + "\r\n", ""));
+    EXPECT_EQ(Fetch(redirection.Url()), S_OK);
+    EXPECT_EQ(Files(), "ICON.jpg=png;");
 }
 
-TEST_F(Download, FollowsARedirectionToHttp) {
-    const Server picture(Answer("200 OK", "Content-Length: 3\r\n", "png"));
-    const Server server(Answer("302 Found", "Location: " + picture.Url() + "\r\n", ""));
-    folder_.Write("icon.jpg", "old");
-    EXPECT_EQ(Fetch(server.Url()), S_OK);
-    EXPECT_EQ(FolderContents(folder_.path()), (Contents{{"icon.jpg", "png"}}));
-}
-
-TEST_F(Download, FailuresLeaveNoFile) {
-    const Server missing(Answer("404 Not Found", "Content-Length: 4\r\n", "page"));
-    ExpectNothing(missing.Url());
-    EXPECT_EQ(missing.connections(), 2);
-}
-
-TEST_F(Download, AnAnswerThatEndsEarlyLeavesNoFile) {
-    const Server server(Answer("200 OK", "Content-Length: 100\r\n", "short"));
-    ExpectNothing(server.Url());
-}
-
-TEST_F(Download, RefusesRedirectionsToOtherProtocols) {
-    const std::string secret =
-        folder_.path().parent_path() / (folder_.path().filename().string() + "-secret");
-    std::ofstream(secret) << "secret";
-    const Server server(Answer("302 Found", "Location: file://" + secret + "\r\n", ""));
-    ExpectNothing(server.Url());
-    EXPECT_EQ(server.connections(), 2);
-    std::filesystem::remove(secret);
-}
-
-TEST_F(Download, RefusesOtherProtocols) {
-    const std::string secret =
-        folder_.path().parent_path() / (folder_.path().filename().string() + "-secret");
-    std::ofstream(secret) << "secret";
-    for (const std::string &url :
-         {"file://" + secret, std::string("ftp://127.0.0.1/x"), std::string("no url"), std::string()}) {
-        EXPECT_TRUE(FAILED(Fetch(url))) << url;
+TEST_F(Download, FailuresLeaveNoFileOrTheOldOne) {
+    const TempFolder elsewhere;
+    const std::string secret = "file://" + elsewhere.Write("secret", "secret").string();
+    for (const std::string &answer : {Answer("404 Not Found", "Content-Length: 4\r\n", "page"),
+                                      Answer("200 OK", "Content-Length: 100\r\n", "ends early"),
+                                      Answer("302 Found", "Location: " + secret + "\r\n", ""),
+                                      Answer("302 Found", "Location: /again\r\n", ""),
+                                      Answer("200 OK", "Content-Length: 99999999999\r\n", "too large"),
+                                      Answer("200 OK", "", std::string(size_t{40} << 20, 'x'))}) {
+        SCOPED_TRACE(answer.substr(0, 100));
+        const Server server(answer);
+        EXPECT_TRUE(FAILED(Fetch(server.Url())));
+        EXPECT_EQ(Files(), "");
+        folder_.Write("icon.jpg", "old");
+        EXPECT_TRUE(FAILED(Fetch(server.Url())));
+        EXPECT_EQ(Files(), "icon.jpg=old;");
+        EXPECT_GE(server.connections(), 2);
+        EXPECT_LE(server.connections(), answer.find("/again") == std::string::npos ? 2 : 30);
+        std::filesystem::remove(Native("icon.jpg"));
     }
-    EXPECT_EQ(FolderContents(folder_.path()), Contents());
-    std::filesystem::remove(secret);
-}
-
-TEST_F(Download, EndsAtTheLimitOnSize) {
-    const Server announced(Answer("200 OK", "Content-Length: 99999999999\r\n", "x"));
-    ExpectNothing(announced.Url());
-    const Server silent(Answer("200 OK", "", std::string(size_t{40} << 20, 'x')));
-    ExpectNothing(silent.Url());
-}
-
-TEST_F(Download, EndlessRedirectionsEnd) {
-    const Server server(Answer("302 Found", "Location: /again\r\n", ""));
-    ExpectNothing(server.Url());
-    EXPECT_LE(server.connections(), 30);
+    for (const std::string &url :
+         {secret, std::string("ftp://127.0.0.1/x"), std::string("no url"), std::string()})
+        EXPECT_TRUE(FAILED(Fetch(url))) << url;
+    EXPECT_EQ(Files(), "");
 }
 
 }  // namespace

@@ -1,26 +1,17 @@
 #include "platform/windows/native_path.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-
-#include "platform/windows/text.h"
+#include "tests/platform/windows/folder_test.h"
 #include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class NativePathTest : public testing::Test {
+class NativePathTest : public FolderTest {
   protected:
-    std::string InFolder(const std::string &name) const { return folder_.path().string() + "/" + name; }
-    std::string Resolve(const std::string &name) const {
-        return NativePath(folder_.path().string() + "\\" + name);
+    void ExpectResolved(const std::string &windows_name, const std::string &native_name) const {
+        EXPECT_EQ(NativePath(folder_.path().string() + "\\" + windows_name), Native(native_name));
     }
-
-    TempFolder folder_;
 };
 
 TEST_F(NativePathTest, SeparatorsAndStart) {
@@ -34,61 +25,46 @@ TEST_F(NativePathTest, SeparatorsAndStart) {
 }
 
 TEST_F(NativePathTest, Drives) {
-    const ScopedEnvironment prefix("WINEPREFIX", InFolder("prefix"));
     folder_.Write("disk/Users/Ann/file", "");
     folder_.Write("prefix/dosdevices/keep", "");
-    fs::create_directory_symlink(InFolder("disk"), InFolder("prefix/dosdevices/c:"));
-    const std::string drive = InFolder("prefix/dosdevices/c:");
-    EXPECT_EQ(NativePath("C:\\Users\\Ann\\file"), drive + "/Users/Ann/file");
-    EXPECT_EQ(NativePath("c:/users/ANN/new"), drive + "/Users/Ann/new");
-    EXPECT_EQ(NativePath("C:"), drive);
-    EXPECT_EQ(NativePath("C:\\..\\Users\\.\\absent\\..\\Ann"), drive + "/Users/Ann");
-    EXPECT_EQ(NativePath("Q:\\x"), InFolder("prefix/dosdevices/q:/x"));
-    EXPECT_FALSE(fs::exists(NativePath("Q:\\")));
-}
-
-TEST_F(NativePathTest, DrivesAreInTheHomeFolderByDefault) {
+    fs::create_directory_symlink(Native("disk"), Native("prefix/dosdevices/c:"));
+    const std::string drive = Native("prefix/dosdevices/c:");
+    {
+        const ScopedEnvironment prefix("WINEPREFIX", Native("prefix"));
+        EXPECT_EQ(NativePath("C:\\Users\\Ann\\file"), drive + "/Users/Ann/file");
+        EXPECT_EQ(NativePath("c:/users/ANN/new"), drive + "/Users/Ann/new");
+        EXPECT_EQ(NativePath("C:"), drive);
+        EXPECT_EQ(NativePath("C:\\..\\Users\\.\\absent\\..\\Ann"), drive + "/Users/Ann");
+        EXPECT_EQ(NativePath("Q:\\x"), Native("prefix/dosdevices/q:/x"));
+    }
     const ScopedEnvironment prefix("WINEPREFIX", std::nullopt);
-    const ScopedEnvironment home("HOME", InFolder("home"));
-    EXPECT_EQ(NativePath("d:\\a"), InFolder("home/.wine/dosdevices/d:/a"));
+    const ScopedEnvironment home("HOME", Native("home"));
+    EXPECT_EQ(NativePath("d:\\a"), Native("home/.wine/dosdevices/d:/a"));
 }
 
-TEST_F(NativePathTest, OtherLetterCaseAndNormalForm) {
-    folder_.Write("Music/Caf\xC3\xA9/Song.mp3", "");    // composed
-    folder_.Write("Music/Cafe\xCC\x81 au lait/x", "");  // decomposed
-    EXPECT_EQ(Resolve("MUSIC\\CAF\xC3\x89\\song.MP3"), InFolder("Music/Caf\xC3\xA9/Song.mp3"));
-    EXPECT_EQ(Resolve("music\\cafe\xCC\x81\\song.mp3"), InFolder("Music/Caf\xC3\xA9/Song.mp3"));
-    EXPECT_EQ(Resolve("music\\caf\xC3\x89 AU LAIT\\X"), InFolder("Music/Cafe\xCC\x81 au lait/x"));
-    EXPECT_EQ(Resolve("music\\absent\\SONG.mp3"), InFolder("Music/absent/SONG.mp3"));
-    EXPECT_EQ(Resolve("MUSIC\\New.mp3"), InFolder("Music/New.mp3"));
+TEST_F(NativePathTest, TheNearestNameInOtherLetterCaseAndNormalFormIsFound) {
+    for (const char *name :
+         {"Music/Caf\xC3\xA9/Song.mp3", "Music/Cafe\xCC\x81 au lait/x", "B", "both/cafe\xCC\x81",
+          "both/CAF\xC3\x89", "three/NAME", "three/Name", "three/nAME", "Old \xE9\xFF", "File"})
+        folder_.Write(name, "");
+    fs::create_symlink("nowhere", Native("Link"));
+    ExpectResolved("MUSIC\\CAF\xC3\x89\\song.MP3", "Music/Caf\xC3\xA9/Song.mp3");
+    ExpectResolved("music\\cafe\xCC\x81\\song.mp3", "Music/Caf\xC3\xA9/Song.mp3");
+    ExpectResolved("music\\caf\xC3\x89 AU LAIT\\X", "Music/Cafe\xCC\x81 au lait/x");
+    ExpectResolved("music\\absent\\SONG.mp3", "Music/absent/SONG.mp3");
+    ExpectResolved("MUSIC\\New.mp3", "Music/New.mp3");
+    ExpectResolved("three\\Name", "three/Name");
+    ExpectResolved("three\\name", "three/NAME");
+    ExpectResolved("both\\caf\xC3\xA9", "both/CAF\xC3\x89");
+    ExpectResolved("b", "B");
+    ExpectResolved("old \xE9\xFF", "Old \xE9\xFF");
+    ExpectResolved("old \xC9\xFF", "old \xC9\xFF");
+    ExpectResolved("link", "Link");
+    ExpectResolved("file\\below", "File/below");
 }
 
-TEST_F(NativePathTest, TheNearestNameWins) {
-    folder_.Write("B", "");
-    folder_.Write("both/cafe\xCC\x81", "");
-    folder_.Write("both/CAF\xC3\x89", "");
-    folder_.Write("three/NAME", "");
-    folder_.Write("three/Name", "");
-    folder_.Write("three/nAME", "");
-    EXPECT_EQ(Resolve("three\\Name"), InFolder("three/Name"));
-    EXPECT_EQ(Resolve("three\\name"), InFolder("three/NAME"));
-    EXPECT_EQ(Resolve("both\\caf\xC3\xA9"), InFolder("both/CAF\xC3\x89"));
-    EXPECT_EQ(Resolve("b"), InFolder("B"));
-}
-
-TEST_F(NativePathTest, NamesThatAreNotUtf8) {
-    folder_.Write("Old \xE9\xFF", "");
-    EXPECT_EQ(Resolve("old \xE9\xFF"), InFolder("Old \xE9\xFF"));
-    EXPECT_EQ(Resolve("old \xC9\xFF"), InFolder("old \xC9\xFF"));
-}
-
-TEST_F(NativePathTest, LinksThatLeadNowhereAndFilesOnTheWayAreKept) {
-    fs::create_symlink("nowhere", folder_.path() / "Link");
-    folder_.Write("File", "");
-    EXPECT_EQ(Resolve("link"), InFolder("Link"));
-    EXPECT_EQ(Resolve("file\\below"), InFolder("File/below"));
-    const std::string endless(9000, 'a');
-    EXPECT_EQ(Resolve(endless), InFolder(endless));
+TEST_F(NativePathTest, EndlessPathsAreKept) {
+    ExpectResolved(std::string(9000, 'a'), std::string(9000, 'a'));
     std::string deep;
     for (int i = 0; i < 3000; ++i)
         deep += "\\d";
@@ -97,12 +73,10 @@ TEST_F(NativePathTest, LinksThatLeadNowhereAndFilesOnTheWayAreKept) {
 
 TEST(IsWindowsFileName, RefusesWhatWindowsCannotHold) {
     for (const char *name :
-         {"", ".", "..", "a<", "a>", "a:b", "\"", "a|b", "a?", "*", "a\x1F", "\n", "a/b", "a\\b"}) {
+         {"", ".", "..", "a<", "a>", "a:b", "\"", "a|b", "a?", "*", "a\x1F", "\n", "a/b", "a\\b"})
         EXPECT_FALSE(IsWindowsFileName(name)) << name;
-    }
-    for (const char *name : {"a", "...", ".a", "a b", "\xC3\xA9", "\xFF", "a;b,c=[d]", "\x7F"}) {
+    for (const char *name : {"a", "...", ".a", "a b", "\xC3\xA9", "\xFF", "a;b,c=[d]", "\x7F"})
         EXPECT_TRUE(IsWindowsFileName(name)) << name;
-    }
 }
 
 }  // namespace

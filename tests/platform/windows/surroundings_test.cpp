@@ -31,56 +31,45 @@ TEST(Environment, SizesAsTheApi) {
 
 TEST(Environment, TempIsTheSystemsFolderWhileUnset) {
     const ScopedEnvironment temp("TEMP", std::nullopt);
-    {
-        const ScopedEnvironment unix_name("TMPDIR", "/elsewhere");
-        EXPECT_EQ(Variable(L"TEMP"), "/elsewhere");
-        const ScopedEnvironment set("TEMP", "C:\\Temp");
-        EXPECT_EQ(Variable(L"TEMP"), "C:\\Temp");
-    }
-    const ScopedEnvironment unix_name("TMPDIR", std::nullopt);
+    const ScopedEnvironment no_unix_name("TMPDIR", std::nullopt);
     EXPECT_EQ(Variable(L"TEMP"), P_tmpdir);
+    const ScopedEnvironment unix_name("TMPDIR", "/elsewhere");
+    EXPECT_EQ(Variable(L"TEMP"), "/elsewhere");
+    const ScopedEnvironment set("TEMP", "C:\\Temp");
+    EXPECT_EQ(Variable(L"TEMP"), "C:\\Temp");
 }
 
-class MusicFolder : public testing::Test {
-  protected:
-    std::string Get() const {
-        std::array<wchar_t, MAX_PATH> path;
-        const HRESULT result =
-            SHGetFolderPathW(nullptr, CSIDL_MYMUSIC, nullptr, SHGFP_TYPE_CURRENT, path.data());
-        return result == S_OK ? WideToUtf8(path.data()) : "failure";
-    }
-
-    TempFolder home_;
-    ScopedEnvironment home_variable_{"HOME", home_.path().string()};
-    ScopedEnvironment config_variable_{"XDG_CONFIG_HOME", std::nullopt};
-};
-
-TEST_F(MusicFolder, IsMusicInTheHomeFolder) {
-    EXPECT_EQ(Get(), home_.path().string() + "/Music");
+std::string MusicFolder() {
+    std::array<wchar_t, MAX_PATH> path;
+    const HRESULT result = SHGetFolderPathW(nullptr, CSIDL_MYMUSIC, nullptr, SHGFP_TYPE_CURRENT, path.data());
+    return result == S_OK ? WideToUtf8(path.data()) : "failure";
 }
 
-TEST_F(MusicFolder, GoesByTheUserFolders) {
-    home_.Write(".config/user-dirs.dirs",
-                "# XDG_MUSIC_DIR=\"/comment\"\nXDG_VIDEOS_DIR=\"/v\"\n  XDG_MUSIC_DIR=\"$HOME/Meine "
-                "\\\"Musik\\\"/\"\n");
-    EXPECT_EQ(Get(), home_.path().string() + "/Meine \"Musik\"");
-    home_.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"/srv/music\"\n");
-    const ScopedEnvironment config("XDG_CONFIG_HOME", home_.path().string() + "/other");
-    EXPECT_EQ(Get(), "/srv/music");
-    home_.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"relative\"\nXDG_MUSIC_DIR=\n");
-    EXPECT_EQ(Get(), home_.path().string() + "/Music");
-}
-
-TEST_F(MusicFolder, FailsWhereThereIsNoRoomOrNoSuchFolder) {
+TEST(MusicFolder, GoesByTheUserFoldersAndIsElseMusicInTheHomeFolder) {
+    const TempFolder home;
+    const std::string place = home.path().string();
+    const ScopedEnvironment home_variable("HOME", place);
+    const ScopedEnvironment no_config("XDG_CONFIG_HOME", std::nullopt);
+    EXPECT_EQ(MusicFolder(), place + "/Music");
+    home.Write(".config/user-dirs.dirs",
+               "# XDG_MUSIC_DIR=\"/comment\"\nXDG_VIDEOS_DIR=\"/v\"\n  XDG_MUSIC_DIR=\"$HOME/Meine "
+               "\\\"Musik\\\"/\"\n");
+    EXPECT_EQ(MusicFolder(), place + "/Meine \"Musik\"");
+    home.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"/srv/music\"\n");
+    const ScopedEnvironment config("XDG_CONFIG_HOME", place + "/other");
+    EXPECT_EQ(MusicFolder(), "/srv/music");
+    home.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"relative\"\nXDG_MUSIC_DIR=\n");
+    EXPECT_EQ(MusicFolder(), place + "/Music");
+    const ScopedEnvironment long_home("HOME", "/" + std::string(MAX_PATH - 8, 'h'));
+    EXPECT_EQ(MusicFolder(), "/" + std::string(MAX_PATH - 8, 'h') + "/Music");
+    const ScopedEnvironment too_long_home("HOME", "/" + std::string(MAX_PATH - 7, 'h'));
+    EXPECT_EQ(MusicFolder(), "failure");
     std::array<wchar_t, MAX_PATH> path;
     EXPECT_TRUE(FAILED(SHGetFolderPathW(nullptr, 5, nullptr, 0, path.data())));
-    const ScopedEnvironment home("HOME", "/" + std::string(300, 'h'));
-    EXPECT_EQ(Get(), "failure");
 }
 
 TEST(DynamicLibrary, LoadsByNameAndByPath) {
     HMODULE library = LoadLibraryW(L"libm.so.6");
-    ASSERT_NE(library, nullptr);
     const auto cosine = reinterpret_cast<double (*)(double)>(GetProcAddress(library, "cos"));
     ASSERT_NE(cosine, nullptr);
     EXPECT_EQ(cosine(0.0), 1.0);
@@ -88,20 +77,13 @@ TEST(DynamicLibrary, LoadsByNameAndByPath) {
     EXPECT_EQ(GetLastError(), ERROR_PROC_NOT_FOUND);
     EXPECT_EQ(FreeLibrary(library), TRUE);
     const TempFolder folder;
-    folder.Write("libm.so.6", "no library");
-    for (const std::wstring &name : {std::wstring(L"MediaInfo-absent.dll"), std::wstring(),
-                                     Utf8ToWide(folder.path().string() + "\\libm.so.6")}) {
-        EXPECT_EQ(LoadLibraryW(name.c_str()), nullptr);
+    const std::string text = folder.Write("libm.so.6", "no library").string();
+    for (const std::string &name : {std::string("MediaInfo-absent.dll"), std::string(), text}) {
+        EXPECT_EQ(LoadLibraryW(Utf8ToWide(name).c_str()), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     }
     EXPECT_EQ(GetProcAddress(nullptr, "cos"), nullptr);
     EXPECT_EQ(FreeLibrary(nullptr), FALSE);
-}
-
-TEST(Windows, NoneIsThere) {
-    EXPECT_EQ(GetForegroundWindow(), nullptr);
-    EXPECT_EQ(FindWindowW(L"iTunes", L"iTunes"), nullptr);
-    EXPECT_EQ(SetForegroundWindow(nullptr), FALSE);
 }
 
 }  // namespace

@@ -14,75 +14,55 @@ struct Work {
     ~Work() { CloseHandle(go); }
     Work(const Work &) = delete;
     Work &operator=(const Work &) = delete;
-};
 
-DWORD WINAPI RunWork(LPVOID argument) {
-    auto *const work = static_cast<Work *>(argument);
-    WaitForSingleObject(work->go, INFINITE);
-    work->thread_id = GetCurrentThreadId();
-    work->result = 7;
-    return 0;
-}
+    static DWORD WINAPI Run(LPVOID argument) {
+        auto *const work = static_cast<Work *>(argument);
+        WaitForSingleObject(work->go, INFINITE);
+        work->result = 7;
+        work->thread_id = GetCurrentThreadId();
+        return 0;
+    }
+};
 
 TEST(Threads, AWaitTellsWhenAThreadIsOver) {
     Work work;
     DWORD id = 0;
-    HANDLE thread = CreateThread(nullptr, 0, RunWork, &work, 0, &id);
+    HANDLE thread = CreateThread(nullptr, 0, Work::Run, &work, 0, &id);
     ASSERT_NE(thread, nullptr);
     EXPECT_NE(id, GetCurrentThreadId());
     EXPECT_EQ(WaitForSingleObject(thread, 10), WAIT_TIMEOUT);
+    const auto wait = [](LPVOID handle) -> DWORD { return WaitForSingleObject(handle, INFINITE); };
+    HANDLE other_waiter = CreateThread(nullptr, 0, wait, thread, 0, nullptr);
     EXPECT_EQ(SetEvent(work.go), TRUE);
     EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
     EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
     EXPECT_EQ(work.result, 7);
     EXPECT_EQ(work.thread_id, id);
+    EXPECT_EQ(WaitForSingleObject(other_waiter, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(CloseHandle(other_waiter), TRUE);
     EXPECT_EQ(CloseHandle(thread), TRUE);
 }
 
 TEST(Threads, RunOnWhenTheirHandleIsClosed) {
     static Work work;
-    static std::atomic<bool> done = false;
-    const auto run = [](LPVOID) -> DWORD {
-        WaitForSingleObject(work.go, INFINITE);
-        done = true;
-        return 0;
-    };
-    EXPECT_EQ(CloseHandle(CreateThread(nullptr, 0, run, nullptr, 0, nullptr)), TRUE);
+    EXPECT_EQ(CloseHandle(CreateThread(nullptr, 0, Work::Run, &work, 0, nullptr)), TRUE);
     SetEvent(work.go);
-    for (int i = 0; i < 5000 && !done; ++i)
+    for (int i = 0; i < 5000 && work.thread_id == 0; ++i)
         Sleep(1);
-    EXPECT_TRUE(done);
-}
-
-TEST(Threads, SeveralMayWaitForOne) {
-    Work work;
-    struct Waiter {
-        HANDLE thread;
-        static DWORD WINAPI Run(LPVOID argument) {
-            return WaitForSingleObject(static_cast<Waiter *>(argument)->thread, INFINITE);
-        }
-    } waiter = {CreateThread(nullptr, 0, RunWork, &work, 0, nullptr)};
-    HANDLE first = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
-    HANDLE second = CreateThread(nullptr, 0, &Waiter::Run, &waiter, 0, nullptr);
-    SetEvent(work.go);
-    EXPECT_EQ(WaitForSingleObject(first, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(second, INFINITE), WAIT_OBJECT_0);
-    for (HANDLE handle : {first, second, waiter.thread})
-        CloseHandle(handle);
+    EXPECT_NE(work.thread_id, 0U);
 }
 
 TEST(Events, ManualAndAutomaticReset) {
-    HANDLE manual = CreateEventW(nullptr, TRUE, TRUE, nullptr);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_OBJECT_0);
-    EXPECT_EQ(ResetEvent(manual), TRUE);
-    EXPECT_EQ(WaitForSingleObject(manual, 0), WAIT_TIMEOUT);
-    HANDLE automatic = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    EXPECT_EQ(SetEvent(automatic), TRUE);
-    EXPECT_EQ(WaitForSingleObject(automatic, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(automatic, 1), WAIT_TIMEOUT);
-    CloseHandle(manual);
-    CloseHandle(automatic);
+    for (const BOOL is_manual : {TRUE, FALSE}) {
+        HANDLE event = CreateEventW(nullptr, is_manual, TRUE, nullptr);
+        EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(event, 0), is_manual ? WAIT_OBJECT_0 : WAIT_TIMEOUT);
+        EXPECT_EQ(SetEvent(event), TRUE);
+        EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(ResetEvent(event), TRUE);
+        EXPECT_EQ(WaitForSingleObject(event, 1), WAIT_TIMEOUT);
+        CloseHandle(event);
+    }
 }
 
 TEST(Handles, WrongOnesAreRefused) {
@@ -93,9 +73,7 @@ TEST(Handles, WrongOnesAreRefused) {
     CloseHandle(thread);
     for (HANDLE handle : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
         EXPECT_EQ(WaitForSingleObject(handle, 0), WAIT_FAILED);
-        EXPECT_EQ(SetEvent(handle), FALSE);
-        EXPECT_EQ(ResetEvent(handle), FALSE);
-        EXPECT_EQ(CloseHandle(handle), FALSE);
+        EXPECT_FALSE(SetEvent(handle) || ResetEvent(handle) || CloseHandle(handle));
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
     }
     EXPECT_EQ(CreateThread(nullptr, 0, nullptr, nullptr, 0, nullptr), nullptr);
