@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "tests/support/scoped_zone.h"
 
@@ -20,9 +21,7 @@ TEST(ParseTimeStamp, FieldsBeforeTheFirstMismatchCountAndZonesDoNot) {
         {" 2012-04-05", kApril5},
         {"2012-04-35", kApril5 + 30 * kDay},
         {"2012-04", kApril5 - 5 * kDay},
-        {"2012-", 15339 * kDay},
         {"April 2012", -1},
-        {"", -1},
         {"-", -1},
         {"1969-12-31", -1},
         {"99999999999999999999-99999999999999999999-99999999999999999999", -1},
@@ -46,25 +45,17 @@ std::string Parse(const std::string &text, const std::string &format) {
 }
 
 TEST(ParseTimeFields, ReadsEveryConversion) {
-    const struct {
-        const char *text;
-        const char *format;
-        const char *fields;
-    } rows[] = {{"69 5", "%y %e", "169 0 5 0 0 0 0 0 ''"},
-                {"70", "%y", "70 0 0 0 0 0 0 0 ''"},
-                {"20 366 7", "%C %j %u", "100 0 0 0 0 0 6 365 ''"},
-                {"12:05:06 pm", "%r", "0 0 0 12 5 6 0 0 ''"},
-                {"12 am", "%I %p", "0 0 0 0 0 0 0 0 ''"},
-                {"5 am", "%l %p", "0 0 0 17 0 0 0 0 ''"},
-                {"Tuesday", "%a", "0 0 0 0 0 0 2 0 'sday'"},
-                {"Mayor", "%B", "0 4 0 0 0 0 0 0 'or'"},
-                {"may", "%h", "0 0 0 0 0 0 0 0 null"},
-                {"12/31/99x", "%D", "99 11 31 0 0 0 0 0 'x'"},
-                {"%\n\t   7", "%%%n%t %Od", "0 0 7 0 0 0 0 0 ''"},
-                {"%1 xz2", "%z%w %z%M", "0 0 0 0 2 0 1 0 ''"},
-                {"99999999999 99999999999 pm", "%C %H %p", "2147483647 0 0 2147483647 0 0 0 0 ''"}};
-    for (const auto &row : rows)
-        EXPECT_EQ(Parse(row.text, row.format), row.fields) << row.format;
+    const std::tuple<const char *, const char *, const char *> rows[] = {
+        {"69 5 366 2 12:05:06 pm", "%y %e %j %w %r", "169 0 5 12 5 6 2 365 ''"},
+        {"20 7 12 am", "%C %u %I %p", "100 0 0 0 0 0 6 0 ''"},
+        {"Tuesday 70 5 am", "%asday %y %l %p", "70 0 0 17 0 0 2 0 ''"},
+        {"Mayor", "%B", "0 4 0 0 0 0 0 0 'or'"},
+        {"may", "%h", "0 0 0 0 0 0 0 0 null"},
+        {"12/31/99x", "%D", "99 11 31 0 0 0 0 0 'x'"},
+        {"%\n\t   7%1 xz2", "%%%n%t %Od%z%w %z%M", "0 0 7 0 2 0 1 0 ''"},
+        {"99999999999 99999999999 pm", "%C %H %p", "2147483647 0 0 2147483647 0 0 0 0 ''"}};
+    for (const auto &[text, format, fields] : rows)
+        EXPECT_EQ(Parse(text, format), fields);
     for (const char *format : {"%d", "%p", "%z", "%E", "%n", "%A", "%"})
         EXPECT_EQ(Parse("", format), "0 0 0 0 0 0 0 0 null") << format;
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <tuple>
 
 #include "content/file_kinds.h"
 #include "tests/support/scoped_environment.h"
@@ -13,18 +14,14 @@
 namespace {
 
 TEST(PathText, SeparatorsAndTheLastDotCutAPath) {
-    const struct {
-        std::string path;
-        std::optional<std::string> directory;
-        std::string name;
-        std::string extension;
-    } rows[] = {{"a\\b/c", "a\\b", "b/c", ""}, {"a/b\\c.d.ipa", "a/b", "c.d.ipa", ".ipa"},
-                {"/c.", "", "/c.", "."},       {"a.d\\", "a.d", "", ".d\\"},
-                {"c", std::nullopt, "c", ""},  {"", std::nullopt, "", ""}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(DirectoryOfPath(row.path), row.directory) << row.path;
-        EXPECT_EQ(FileNameOfPath(row.path), row.name) << row.path;
-        EXPECT_EQ(ExtensionOfPath(row.path), row.extension) << row.path;
+    const std::tuple<std::string, std::optional<std::string>, std::string, std::string> rows[] = {
+        {"a\\b/c", "a\\b", "b/c", ""}, {"a/b\\c.d.ipa", "a/b", "c.d.ipa", ".ipa"},
+        {"/c.", "", "/c.", "."},       {"a.d\\", "a.d", "", ".d\\"},
+        {"c", std::nullopt, "c", ""},  {"", std::nullopt, "", ""}};
+    for (const auto &[path, directory, name, extension] : rows) {
+        EXPECT_EQ(DirectoryOfPath(path), directory) << path;
+        EXPECT_EQ(FileNameOfPath(path), name) << path;
+        EXPECT_EQ(ExtensionOfPath(path), extension) << path;
     }
     std::string text = "a\\\xC3\xA9\\";
     ReplaceChar(text, '\\', '/');
@@ -49,26 +46,23 @@ TEST(TempPath, IsOfAnyLengthAndHasOneFolderOrNone) {
 }
 
 TEST(FileKinds, ExtensionDecidesWhateverItsCase) {
-    const struct {
-        const char *extensions;
-        std::optional<FileCategory> category;
-        int32_t media_type;
-    } rows[] = {{"mp3 m4a", {{2, 20}}, 0},
-                {"Aac WAV", {{2, 20}}, -1},
-                {"m4r", {{2, 21}}, 2},
-                {"audible book", {{2, 22}}, -1},
-                {"mp4 mpeg MPEG4 m4v mov", {{3, 30}}, 1},
-                {"mpg mp4v", {{3, 30}}, -1},
-                {"jpg jpeg png gif", {{4, 40}}, -1},
-                {"pdf", {{5, 50}}, 6},
-                {"EPUB", {{5, 50}}, 7},
-                {"ipa mp3.ipa", {{6, 60}}, 8},
-                {"mp mp33 txt mp3/name mp3.", {}, -1}};
-    for (const auto &row : rows) {
-        std::istringstream extensions(row.extensions);
+    const std::tuple<const char *, std::optional<FileCategory>, int32_t> rows[] = {
+        {"mp3 m4a", {{2, 20}}, 0},
+        {"Aac WAV", {{2, 20}}, -1},
+        {"m4r", {{2, 21}}, 2},
+        {"audible book", {{2, 22}}, -1},
+        {"mp4 mpeg MPEG4 m4v mov", {{3, 30}}, 1},
+        {"mpg mp4v", {{3, 30}}, -1},
+        {"jpg jpeg png gif", {{4, 40}}, -1},
+        {"pdf", {{5, 50}}, 6},
+        {"EPUB", {{5, 50}}, 7},
+        {"ipa mp3.ipa", {{6, 60}}, 8},
+        {"mp mp33 txt mp3/name mp3.", {}, -1}};
+    for (const auto &[text, category, media_type] : rows) {
+        std::istringstream extensions(text);
         for (std::string extension; extensions >> extension;) {
-            EXPECT_EQ(GetFileCategory("C:\\a.b\\c." + extension), row.category) << extension;
-            EXPECT_EQ(itdb_get_media_type("C:\\a.b\\c." + extension), row.media_type) << extension;
+            EXPECT_EQ(GetFileCategory("C:\\a.b\\c." + extension), category) << extension;
+            EXPECT_EQ(itdb_get_media_type("C:\\a.b\\c." + extension), media_type) << extension;
         }
     }
     EXPECT_EQ(GetFileCategory("mp3"), std::nullopt);

@@ -8,10 +8,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
-#include <vector>
 
-#include "content/zip_archive.h"
-#include "content/zip_entry.h"
 #include "content/zip_extract.h"
 #include "platform/limits.h"
 #include "tests/content/captured_log.h"
@@ -23,17 +20,17 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
+using testing::Pair;
 using testing::UnorderedElementsAre;
 
 class ZipWriteTest : public ::testing::Test {
   protected:
     ZipWriteTest() { fs::create_directory(tree_); }
-    std::vector<std::string> EntryNames() const {
-        std::vector<std::string> names;
-        const ZipReadHandle zip = OpenZipForRead(zip_);
-        for (ZipCursor cursor(zip.get()); cursor.Valid(); cursor.Next())
-            names.push_back(CurrentZipEntry(zip.get())->name);
-        return names;
+    // What another folder holds after the archive is unpacked there.
+    auto Unpacked() const {
+        const fs::path out = folder_.path() / "out";
+        EXPECT_EQ(UnzipAll(zip_, out.string()), 0);
+        return FolderContents(out);
     }
     // Beside the tree.
     auto FilesMade() const { return std::distance(fs::directory_iterator(folder_.path()), {}) - 1; }
@@ -48,8 +45,8 @@ TEST_F(ZipWriteTest, ArchiveHoldsWhatIsInTheFolderInThePlaceOfAnOldOne) {
     folder_.Write("a.zip", std::string(100000, 'x'));
     folder_.Write("tree/a/\xC3\xA9.txt", "text");
     EXPECT_EQ(ZipFolder(tree_ + "\\", zip_), 0);
-    EXPECT_THAT(EntryNames(), ElementsAre("a/", "a/\xC3\xA9.txt"));
     EXPECT_EQ(FilesMade(), 1);
+    EXPECT_EQ(Unpacked(), FolderContents(tree_));
 }
 
 // What is neither a file nor a folder is never opened, and a name may be as long as the system takes it.
@@ -66,10 +63,8 @@ TEST_F(ZipWriteTest, HeadersCarryNoDateAndAllowZip64) {
     // Bytes that are no text: minizip marks an entry that it takes for text.
     folder_.Write("tree/a", Zeros(5000));
     ASSERT_EQ(ZipFolder(tree_, zip_), 0);
-    // Local header: signature 0, version needed 4, flags 6, method 8, time 10, date 12, name length 26, extra
-    // length 28, name 30, extra.
+    // Local header: signature 0, version needed 4, flags 6, method 8, time 10, date 12, name 30, extra.
     const std::string bytes = ReadWholeFile(zip_);
-    ASSERT_GT(bytes.size(), 33U);
     EXPECT_EQ(bytes.substr(0, 14), std::string("PK\3\4\x2D\0\0\0\x08\0\0\0\0\0", 14));
     EXPECT_EQ(bytes.substr(31, 2), std::string("\1\0", 2)) << "the extra field of zip64";
     EXPECT_LT(bytes.size(), 500U);
@@ -81,12 +76,11 @@ TEST_F(ZipWriteTest, EveryByteComesBackHereAndInPython) {
     for (const size_t size : {0U, 1024U, 1025U, 300000U})
         folder_.Write("tree/OEBPS/a file/" + std::to_string(size), noise.substr(0, size));
     ASSERT_EQ(ZipFolder(tree_, zip_), 0);
-    const std::string out = (folder_.path() / "out").string();
-    ASSERT_EQ(UnzipAll(zip_, out), 0);
-    EXPECT_EQ(FolderContents(out), FolderContents(tree_));
+    EXPECT_EQ(Unpacked(), FolderContents(tree_));
     if (std::system("python3 -m zipfile -h >/dev/null") != 0) GTEST_SKIP() << "no Python here";
-    EXPECT_EQ(std::system(("python3 -m zipfile -e " + zip_ + " " + out + "2").c_str()), 0);
-    EXPECT_EQ(FolderContents(out + "2"), FolderContents(tree_));
+    const std::string out = (folder_.path() / "theirs").string();
+    EXPECT_EQ(std::system(("python3 -m zipfile -e " + zip_ + " " + out).c_str()), 0);
+    EXPECT_EQ(FolderContents(out), FolderContents(tree_));
 }
 
 TEST_F(ZipWriteTest, FailureLeavesWhatWasThereAndNothingNew) {
@@ -108,7 +102,7 @@ TEST_F(ZipWriteTest, LinksThatFormACycleAreWalkedOnceAndOthersUpToTheEntryLimit)
     fs::create_directory_symlink(tree_, tree_ + "/a/b/top");
     fs::create_directory_symlink("..", tree_ + "/a/b/up");
     EXPECT_EQ(ZipFolder(tree_, zip_), 0);
-    EXPECT_THAT(EntryNames(), UnorderedElementsAre("a/", "a/b/", "a/b/file"));
+    EXPECT_THAT(Unpacked(), UnorderedElementsAre(Pair("a", "/"), Pair("a/b", "/"), Pair("a/b/file", "1")));
     // Each folder holds two links to the next: 2^17 paths without any cycle.
     for (int i = 0; i < 17; ++i) {
         const fs::path level = folder_.path() / ("level" + std::to_string(i));
@@ -137,21 +131,6 @@ TEST_F(ZipWriteTest, OnlyTheLastChildsFailureCounts) {
             last = entry.path().filename().string();
         EXPECT_EQ(ZipFolder(tree_, zip_), last == "deep" ? -5 : 0) << "with " << last << " as the last";
     }
-}
-
-TEST_F(ZipWriteTest, FileThatHoldsLessThanItsSizeIsPackedShorter) {
-    // The kernel gives this file the size of a page and a line of text.
-    const fs::path shrunk = "/sys/devices/system/cpu/online";
-    std::error_code none;
-    const std::string text = ReadWholeFile(shrunk);
-    const uintmax_t size = fs::file_size(shrunk, none);
-    if (none || size <= text.size()) GTEST_SKIP() << "no file here holds less than its size";
-    fs::create_symlink(shrunk, tree_ + "/file");
-    EXPECT_EQ(ZipFolder(tree_, zip_), 0);
-    EXPECT_THAT(log_.lines(), ElementsAre("total = " + std::to_string(text.size()) +
-                                          ", size = " + std::to_string(size) + "\n"));
-    EXPECT_EQ(ExtractEntryToFile(zip_, "file", zip_ + ".file"), 0);
-    EXPECT_EQ(ReadWholeFile(zip_ + ".file"), text);
 }
 
 }  // namespace
