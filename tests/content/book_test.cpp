@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "content/book_scan.h"
@@ -19,7 +19,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
 
 std::string Titled(const std::string &title, const std::string &manifest = "") {
     return Package("<dc:title>" + title + "</dc:title>", manifest);
@@ -29,29 +28,32 @@ struct BookTree : MediaTree {
     DriverPath *books = AddRoot("Books", node_category::kBook, node_subcategory::kBook);
     CapturedLog log;
 
-    void WriteFolder(const std::string &name, const Files &files) const {
+    // The same book in both forms, "NAME.epub" and "folder/NAME.epub".
+    void Add(const std::string &name, const Files &files) const {
+        Write("Books/" + name + ".epub", Archive(files));
         for (const auto &[file, content] : files)
-            Write(name + "/" + file, content);
+            Write("folder/" + name + ".epub/" + file, content);
     }
-    void Add(const std::string &name, const Files &files) const { Write("Books/" + name, Archive(files)); }
-    // The cover of a book that is added now; "none" without one.
-    std::string CoverOf(const std::string &name) {
+    DriverPath *Added(const std::string &name) {
         DriverPath *book = nullptr;
-        if (AddLocalBook(books, Location(name), &book) != 0) return "not added";
+        EXPECT_EQ(AddLocalBook(books, Location(name), &book), 0);
+        return book;
+    }
+    static std::string CoverOf(DriverPath *book) {
         return std::string(FindAttribute(FindChild(book, "thumb"), "cover-image-path").value_or("none"));
     }
     // Every bad book is listed under the name of its file, and a good one with what it says.
-    void ScanWithGoodBook() {
-        Add("good.epub", Epub("o/p.opf", Titled("Good", CoverItemXml("c.png", ""))));
+    void ExpectBare(const std::vector<std::string> &names) {
+        Add("good", Epub("o/p.opf", Titled("Good", CoverItemXml("c.png", ""))));
         ASSERT_EQ(ScanBooks(&driver), 0);
         EXPECT_EQ(FindAttribute(At({"Books", "good.epub"}), "name"), "Good");
-        EXPECT_EQ(FindAttribute(At({"Books", "good.epub", "thumb"}), "cover-image-path"), "o\\c.png");
-    }
-    void ExpectBare(const std::string &name) {
-        DriverPath *book = At({"Books", name});
-        ASSERT_NE(book, nullptr) << name;
-        EXPECT_EQ(FindAttribute(book, "name"), name.substr(0, name.rfind('.')));
-        EXPECT_FALSE(FindAttribute(FindChild(book, "thumb"), "cover-image-path")) << name;
+        EXPECT_EQ(CoverOf(At({"Books", "good.epub"})), "o\\c.png");
+        for (const std::string &name : names) {
+            DriverPath *book = At({"Books", name + ".epub"});
+            ASSERT_NE(book, nullptr) << name;
+            EXPECT_EQ(FindAttribute(book, "name"), name);
+            EXPECT_EQ(CoverOf(book), "none") << name;
+        }
     }
 };
 
@@ -62,99 +64,76 @@ Files InOebps(const std::string &manifest, Files more = {}) {
 }
 
 // One whose cover is a page.
+const std::string kPageItem = CoverItemXml("t/c.xhtml", "Application/xhtml+XML");
 Files WithPage(const std::string &page) {
-    return InOebps(CoverItemXml("t/c.xhtml", "Application/xhtml+XML"), {{"OEBPS/t/c.xhtml", page}});
+    return InOebps(kPageItem, {{"OEBPS/t/c.xhtml", page}});
 }
 
-struct CoverCase {
-    Files files;
-    std::string of_file;
-    std::string of_folder;  // below the book
-    size_t log_lines = 0;
-    size_t more_of_file = 0;  // lines that only the archive gives
-};
-
-std::vector<CoverCase> CoverCases() {
+// Files, the cover in the archive and below the folder, and the number of lines in the log.
+TEST(AddLocalBook, FindsTheCoverOfBothForms) {
     const std::string fits(limits::kEntryPathBytes.value - 6, 'x');
-    const std::string page_item = CoverItemXml("t/c.xhtml", "Application/xhtml+XML");
-    return {
-        {InOebps(CoverItemXml("i/c.jpg", "image/jpeg")), "OEBPS\\i/c.jpg", "OEBPS\\i\\c.jpg"},
-        {InOebps("<item id='cover' href='c'/>"), "OEBPS\\c", "OEBPS\\c"},
-        {Epub("p.opf", Package("", CoverItemXml("c.jpg", "image/jpeg"))), "c.jpg", "c.jpg"},
+    const std::tuple<Files, std::string, std::string, size_t> rows[] = {
+        {InOebps(CoverItemXml("i/c.jpg", "image/jpeg")), "OEBPS\\i/c.jpg", "OEBPS\\i\\c.jpg", 0},
+        {Epub("p.opf", Package("", "<item id='cover' href='c'/>")), "c", "c", 0},
         {InOebps("<item id='Cover' href='1'/><item href='2'/><item id='cover'/>" + CoverItemXml("4", "") +
                  CoverItemXml("5", "")),
-         "OEBPS\\4", "OEBPS\\4"},
-        {InOebps(CoverItemXml("../c.jpg", "")), "OEBPS\\../c.jpg", "OEBPS\\..\\c.jpg"},
-        {InOebps(CoverItemXml("a/../../../c.jpg", "")), "OEBPS\\a/../../../c.jpg", "none"},
-        {InOebps(CoverItemXml(fits, "")), "OEBPS\\" + fits, "OEBPS\\" + fits},
-        {InOebps(CoverItemXml(fits + "x", "")), "none", "OEBPS\\" + fits + "x", 0, 1},
-        {WithPage(Page("<p><img src='../i/c.png'/></p>")), "OEBPS\\..\\i\\c.png", "OEBPS\\..\\i\\c.png"},
-        {WithPage(Page("<p/><div><img src='c'/></div>")), "OEBPS\\c", "OEBPS\\c", 1},
-        {WithPage(Page("<p/>")), "none", "none", 2},
-        {WithPage(Page("<p><img src=''/></p><div><img src='c'/></div>")), "none", "none"},
-        {WithPage("<html>"), "none", "none", 1},
-        {InOebps(page_item), "none", "OEBPS\\t\\c.xhtml"},
-        {InOebps(page_item, {{"iTunesArtwork", "x"}}), "iTunesArtwork", "iTunesArtwork"},
-        {Epub("p.opf", "<o:package><manifest/></o:package>"), "none", "none", 1},
-        {Epub("p.opf", "<package>"), "none", "none", 1},
-        {{{"META-INF/container.xml", Container("p.opf")}}, "none", "none"},
-        {{{"a", "b"}}, "none", "none"},
-    };
-}
-
-TEST(AddLocalBook, FindsTheCoverOfBothForms) {
-    for (const CoverCase &book : CoverCases()) {
-        SCOPED_TRACE(testing::PrintToString(book.files));
+         "OEBPS\\4", "OEBPS\\4", 0},
+        {InOebps(CoverItemXml("../c.jpg", "")), "OEBPS\\../c.jpg", "OEBPS\\..\\c.jpg", 0},
+        {InOebps(CoverItemXml("a/../../../c.jpg", "")), "OEBPS\\a/../../../c.jpg", "none", 0},
+        {InOebps(CoverItemXml(fits, "")), "OEBPS\\" + fits, "OEBPS\\" + fits, 0},
+        {InOebps(CoverItemXml(fits + "x", "")), "none", "OEBPS\\" + fits + "x", 1},
+        {WithPage(Page("<p><img src='../i/c.png'/></p>")), "OEBPS\\..\\i\\c.png", "OEBPS\\..\\i\\c.png", 0},
+        {WithPage(Page("<p/><div><img src='c'/></div>")), "OEBPS\\c", "OEBPS\\c", 2},
+        {WithPage(Page("<p/>")), "none", "none", 4},
+        {WithPage(Page("<p><img src=''/></p><div><img src='c'/></div>")), "none", "none", 0},
+        {WithPage("<html>"), "none", "none", 2},
+        {InOebps(kPageItem), "none", "OEBPS\\t\\c.xhtml", 0},
+        {InOebps(kPageItem, {{"iTunesArtwork", "x"}}), "iTunesArtwork", "iTunesArtwork", 0},
+        {Epub("p.opf", "<o:package><manifest/></o:package>"), "none", "none", 2},
+        {Epub("p.opf", "<package>"), "none", "none", 2},
+        {{{"META-INF/container.xml", Container("p.opf")}}, "none", "none", 0},
+        {{{"a", "b"}}, "none", "none", 0}};
+    for (const auto &[files, of_file, of_folder, log_lines] : rows) {
         BookTree tree;
-        tree.Write("file.epub", Archive(book.files));
-        tree.WriteFolder("folder.epub", book.files);
-        EXPECT_EQ(tree.CoverOf("file.epub"), book.of_file);
-        EXPECT_EQ(tree.log.lines().size(), book.log_lines + book.more_of_file);
-        const std::string folder = book.of_folder == "none" ? "" : tree.Location("folder.epub") + "\\";
-        EXPECT_EQ(tree.CoverOf("folder.epub"), folder + book.of_folder);
-        EXPECT_EQ(tree.log.lines().size(), 2 * book.log_lines + book.more_of_file);
+        tree.Add("b", files);
+        EXPECT_EQ(BookTree::CoverOf(tree.Added("Books/b.epub")), of_file);
+        const std::string folder = of_folder == "none" ? "" : tree.Location("folder/b.epub") + "\\";
+        EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/b.epub")), folder + of_folder);
+        EXPECT_EQ(tree.log.lines().size(), log_lines) << testing::PrintToString(tree.log.lines());
     }
 }
 
 TEST(AddLocalBook, TellsWhatThePackageAndTheFileTell) {
     const ScopedZone zone("UTC");
     BookTree tree;
-    Files files =
-        Epub("a/b.opf", Package("<dc:title> A &amp; B\n</dc:title><dc:creator>C</dc:creator><title>no"
-                                "</title><dc:creator>D</dc:creator><dc:subject>S</dc:subject>"
-                                "<dc:date>April</dc:date><dc:date>1970-01-02</dc:date>"
-                                "<dc:publisher>P</dc:publisher>",
-                                CoverItemXml("c.png", "")));
+    Files files = Epub("a/b.opf", Package("<dc:title> A &amp; B</dc:title><dc:creator>C</dc:creator><title>no"
+                                          "</title><dc:creator>D</dc:creator><dc:subject>S</dc:subject>"
+                                          "<dc:date>April</dc:date><dc:date>1970-01-02</dc:date>"
+                                          "<dc:publisher>P</dc:publisher>",
+                                          CoverItemXml("c.png", "")));
     files["itunesARTWORK"] = "picture";
-    tree.Write("file.epub", Archive(files));
-    tree.WriteFolder("folder.epub", files);
-    DriverPath *book = nullptr;
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("file.epub"), &book), 0);
+    tree.Add("b", files);
+    tree.Write("My.Paper.PDF", "%PDF");
+    DriverPath *book = tree.Added("Books/b.epub");
     EXPECT_EQ(book->from_folder_scan, 1);
-    const std::string location = "location=" + tree.Location("file.epub");
-    EXPECT_THAT(AttributeLines(book),
-                ElementsAre("st_size=" + std::to_string(Archive(files).size()), location,
-                            "media_has_thumb=true", "format=EPUB", "name= A & B\n", "artist=C", "artist=D",
-                            "subject=S", "st_mtime=86400", "album=P"));
-    EXPECT_THAT(AttributeLines(FindChild(book, "thumb")),
-                ElementsAre(location, "cover-image-path=iTunesArtwork"));
-
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("folder.epub"), &book), 0);
-    EXPECT_EQ(AttributeLines(book)[0], "is_directory=true");
-    EXPECT_EQ(FindAttribute(book, "album"), "P");
-    EXPECT_EQ(AttributeLines(FindChild(book, "thumb"))[0], "is_directory=true");
+    const std::string told = " name= A & B artist=C artist=D subject=S st_mtime=86400 album=P\n";
+    std::string location = "location=" + tree.Location("Books/b.epub");
+    EXPECT_EQ(TreeText(book, "b"), "b 4 5 50 st_size=" + std::to_string(Archive(files).size()) + " " +
+                                       location + " media_has_thumb=true format=EPUB" + told +
+                                       "b/thumb 1 4 43 " + location + " cover-image-path=iTunesArtwork\n");
+    location = "is_directory=true location=" + tree.Location("folder/b.epub");
+    EXPECT_THAT(TreeText(tree.Added("folder/b.epub"), "b"),
+                testing::StartsWith("b 4 5 50 " + location + " media_has_thumb=true format=EPUB" + told +
+                                    "b/thumb 1 4 43 " + location + " cover"));
+    EXPECT_EQ(TreeText(tree.Added("My.Paper.PDF"), "b"),
+              "b 4 5 50 st_size=4 location=" + tree.Location("My.Paper.PDF") +
+                  " media_has_thumb=true format=PDF name=My.Paper\nb/thumb 1 4 43 location=" +
+                  tree.Location("My.Paper.PDF") + "\n");
     // Of all that was extracted only folders are left.
     for (const auto &entry : fs::recursive_directory_iterator(tree.folder.path() / "temp"))
         EXPECT_TRUE(entry.is_directory()) << entry.path();
-
-    tree.Write("My.Paper.PDF", "%PDF");
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("My.Paper.PDF"), &book), 0);
-    EXPECT_THAT(AttributeLines(book), ElementsAre("st_size=4", "location=" + tree.Location("My.Paper.PDF"),
-                                                  "media_has_thumb=true", "format=PDF", "name=My.Paper"));
-    tree.Write("b.txt", "x");
-    EXPECT_EQ(AddLocalBook(tree.books, tree.Location("b.txt")), -2);
+    EXPECT_EQ(AddLocalBook(tree.books, tree.Write("b.txt", "x")), -2);
     EXPECT_EQ(AddLocalBook(tree.books, tree.Location("gone.epub")), -3);
-    EXPECT_EQ(ChildCount(tree.books), 3);
 }
 
 TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
@@ -163,33 +142,26 @@ TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
     for (int i = 0; i < 100000; ++i)
         deep += "<package>";
     const std::string huge(70 << 20, ' ');
-    const std::pair<Limit, std::pair<std::string, Files>> books[] = {
-        {limits::kXmlDepth, {"1.epub", {{"META-INF/container.xml", deep}}}},
-        {limits::kXmlDepth, {"2.epub", Epub("p.opf", deep)}},
-        {limits::kZipExpansion, {"3.epub", {{"META-INF/container.xml", huge}}}},
-        {limits::kZipExpansion, {"4.epub", Epub("p.opf", Titled("H" + huge))}}};
-    std::vector<std::string> lines;
-    const auto expect_limit = [&](const Limit &limit, const std::string &name) {
-        lines.push_back("[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" +
-                        tree.Location("Books\\" + name) + "\"");
-    };
-    for (const auto &[limit, book] : books) {
-        tree.Add(book.first, book.second);
-        expect_limit(limit, book.first);
-    }
-    expect_limit(limits::kXmlDepth, "folder.epub");
-    tree.WriteFolder("Books/folder.epub", {{"META-INF/container.xml", deep}});
+    tree.Add("deep container", {{"META-INF/container.xml", deep}});
+    tree.Add("deep package", Epub("p.opf", deep));
+    tree.Add("huge container", {{"META-INF/container.xml", huge}});
+    tree.Add("huge package", Epub("p.opf", Titled("H" + huge)));
     tree.Write("Books/no archive.epub", "PK\3\4");
     tree.Write("Books/empty.epub", "");
-    tree.ScanWithGoodBook();
-    EXPECT_EQ(AddLocalBook(tree.books, tree.Location("Books\\folder.epub")), 0);
-    for (const char *name :
-         {"1.epub", "2.epub", "3.epub", "4.epub", "folder.epub", "no archive.epub", "empty.epub"})
-        tree.ExpectBare(name);
-    std::vector<std::string> logged = tree.log.lines();
-    std::erase_if(logged, [](const std::string &line) { return line.starts_with("Failed to parse xml"); });
-    EXPECT_EQ(logged.size() + 1, tree.log.lines().size());
-    EXPECT_THAT(logged, testing::UnorderedElementsAreArray(lines));
+    tree.ExpectBare(
+        {"deep container", "deep package", "huge container", "huge package", "no archive", "empty"});
+    EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/deep container.epub")), "none");
+    const auto line = [&](const Limit &limit, const std::string &file) {
+        return "[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" +
+               tree.Location(file + ".epub") + "\"";
+    };
+    EXPECT_THAT(tree.log.lines(),
+                testing::UnorderedElementsAre(testing::HasSubstr("Failed to parse xml file: \""),
+                                              line(limits::kXmlDepth, "Books\\deep container"),
+                                              line(limits::kXmlDepth, "Books\\deep package"),
+                                              line(limits::kXmlDepth, "folder/deep container"),
+                                              line(limits::kZipExpansion, "Books\\huge container"),
+                                              line(limits::kZipExpansion, "Books\\huge package")));
 }
 
 // An archive may hold entries of such names; the temporary copy that the book speaks of lies elsewhere.
@@ -197,41 +169,29 @@ TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
     BookTree tree;
     const std::string victim = Titled("Victim", CoverItemXml("v", ""));
     const fs::path &top = tree.folder.path();
-    tree.folder.Write("temp/victim", victim);
-    tree.folder.Write("victim", victim);
-    const std::string names[] = {"../victim",
-                                 "..\\victim",
-                                 "x/../../../victim",
-                                 (top / "victim").string(),
-                                 "../vict.m",
-                                 ".*",
-                                 ".",
-                                 "..",
-                                 "/",
-                                 "",
-                                 "(a+)+$",
-                                 "victim&#0;"};
-    std::vector<std::string> books = {"page.epub", "linked.epub"};
-    for (const std::string &name : names) {
-        Files files = {{"META-INF/container.xml", Container(name)}, {name, Titled("E")}};
-        files.emplace(std::string(50, 'a') + "b", "x");
-        // As a pattern, "../victim" matches this one, which has its place.
-        files.emplace("ab/victim", Titled("E"));
-        files.erase("");
-        books.push_back("bad" + std::to_string(books.size()) + ".epub");
-        tree.Add(books.back(), files);
+    for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
+        tree.folder.Write(name, victim);
+    std::vector<std::string> books = {"page", "linked"};
+    for (const std::string &name :
+         {std::string("../victim"), std::string("..\\victim"), (top / "victim").string(),
+          std::string("x/../../../victim"), std::string("../vict.m"), std::string(".*"), std::string("."),
+          std::string(".."), std::string("/"), std::string(), std::string("(a+)+$"),
+          std::string("victim&#0;")}) {
+        // As a pattern, "../victim" matches the one that has its place.
+        Files files = {{"META-INF/container.xml", Container(name)},
+                       {std::string(50, 'a') + "b", "x"},
+                       {"ab/victim", Titled("E")}};
+        if (!name.empty()) files.emplace(name, Titled("E"));
+        books.push_back("bad" + std::to_string(books.size()));
+        tree.Write("Books/" + books.back() + ".epub", Archive(files));
     }
-    tree.Add("page.epub", Epub("p.opf", Package("", CoverItemXml("../victim", "application/xhtml+xml"))));
-    // Folders below the temporary one that someone else has put there.
-    tree.folder.Write("elsewhere/META-INF/container.xml", "untouched");
+    tree.Add("page", Epub("p.opf", Package("", CoverItemXml("../victim", "application/xhtml+xml"))));
+    // A folder below the temporary one that someone else has put there.
     fs::create_directory_symlink(top / "elsewhere", top / "temp/linked.epub");
-    tree.Add("linked.epub", Epub("p.opf", Titled("L")));
-    tree.ScanWithGoodBook();
-    for (const std::string &name : books)
-        tree.ExpectBare(name);
-    for (const char *name : {"victim", "temp/victim"})
+    tree.Add("linked", Epub("p.opf", Titled("L")));
+    tree.ExpectBare(books);
+    for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
         EXPECT_EQ(ReadWholeFile(top / name), victim);
-    EXPECT_EQ(ReadWholeFile(top / "elsewhere/META-INF/container.xml"), "untouched");
     EXPECT_EQ(std::distance(fs::directory_iterator(top), {}), 4);
 }
 
@@ -239,27 +199,23 @@ TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
     const TempFolder folder;
     using namespace std::string_literals;
     const std::string longest(limits::kTextFileBytes.value, 'x');
-    const struct {
-        std::string bytes;
-        int32_t result;
+    const std::tuple<std::string, int32_t, std::string> rows[] = {
+        {"\xFF\xFE\xE9\0x"s, 0, "\xC3\xA9"},
+        {"\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s, 0, "\xC3\xA9\xF0\x9F\x98\x80"},
+        {"\xFF\xFE\0\xD8"s, -3, ""},
+        {"\xEF\xBB\xBF\xC3", 0, "\xC3"},
+        {"\xEF\xBB", -2, ""},
+        {"\xEF\xBBx", -2, ""},
+        {"\xEF\xBB\xBF", -3, ""},
+        {"", -3, ""},
+        {"\xC3\xA9", 0, "\xC3\xA9"},
+        {"\xE9", 0, "\xE9"},
+        {longest, 0, longest},
+        {longest + "x", -3, ""}};
+    for (const auto &[bytes, result, expected] : rows) {
         std::string text;
-    } rows[] = {{"\xFF\xFE\xE9\0x"s, 0, "\xC3\xA9"},
-                {"\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s, 0, "\xC3\xA9\xF0\x9F\x98\x80"},
-                {"\xFF\xFE\0\xD8"s, -3, ""},
-                {"\xEF\xBB\xBF\xC3", 0, "\xC3"},
-                {"\xEF\xBB", -2, ""},
-                {"\xEF\xBBx", -2, ""},
-                {"\xEF\xBB\xBF", -3, ""},
-                {"", -3, ""},
-                {"\xC3\xA9", 0, "\xC3\xA9"},
-                {"\xE9", 0, "\xE9"},
-                {longest, 0, longest},
-                {longest + "x", -3, ""}};
-    for (const auto &row : rows) {
-        std::string text;
-        const std::string path = folder.Write("t", row.bytes).string();
-        EXPECT_EQ(ReadTextFileAsUtf8(path, text), row.result) << row.bytes.substr(0, 9);
-        EXPECT_TRUE(text == row.text) << row.bytes.substr(0, 9);
+        EXPECT_EQ(ReadTextFileAsUtf8(folder.Write("t", bytes).string(), text), result) << bytes.substr(0, 9);
+        EXPECT_TRUE(text == expected) << bytes.substr(0, 9);
     }
     std::string text;
     EXPECT_EQ(ReadTextFileAsUtf8((folder.path() / "gone").string(), text), -1);

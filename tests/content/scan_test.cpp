@@ -5,9 +5,8 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
+#include <tuple>
 
-#include "content/application.h"
 #include "content/application_scan.h"
 #include "content/book.h"
 #include "content/book_scan.h"
@@ -60,42 +59,30 @@ TEST(Scan, ListsWhatTheLibraryDoesNotAndTheSameAgain) {
     EXPECT_EQ(ScanBooks(&without_tree), -1);
 }
 
-// As another reader found them in the files of others.
+// The name and the author, or the identifier, as another reader found them in the files of others.
 TEST(Scan, ShowsWhatFilesOfOthersHold) {
-    const struct {
-        const char *kind;
-        const char *file;
-        const char *name;
-        const char *more_key = "format";
-        const char *more = "EPUB";
-    } rows[] = {
-        {"ipa", "app-info-ipad.ipa", "app-info-ipad.ipa", "bundleId", "com.icyleaf.bundle"},
-        {"ipa", "made-iphone-with-iTunesArtwork.ipa", "made-iphone-with-iTunesArtwork.ipa", "genre",
-         "Utilities"},
-        {"epub", "epubcheck-epub2-ocf-minimal-valid.epub", "Minimal EPUB 2.0"},
-        {"epub", "epubcheck-ocf-filename-utf8-valid.epub", "Minimal EPUB 3.0"},
-        {"epub", "epubcheck-ocf-mimetype-file-missing-error.epub", "Minimal EPUB 3.0"},
-        {"epub", "epubcheck-ocf-zip-mimetype-entry-extra-field-error.epub", "Minimal EPUB 3.0"},
-        {"epub", "epubcheck-ocf-zip-unreadable-empty-fatal.epub", "epubcheck-ocf-zip-unreadable-empty-fatal"},
-        {"epub", "epubjs-alice.epub", "Alice's Adventures in Wonderland", "artist", "Lewis Carroll"},
-        {"epub", "folder-epub-tests-ocf-metainf-manifest.epub", "ocf-metainf-manifest", "artist", "Zheng Xu"},
-        {"epub", "folder-epub-tests-ocf-package_arbitrary.epub", "ocf-package_arbitrary", "artist",
-         "Dave Cramer"},
-        {"epub", "folder-minimal-v3.epub", "Your title here"},
-        {"pdf", "exiftool-PDF.pdf", "exiftool-PDF", "format", "PDF"}};
-    const fs::path samples = SAMPLES_FOLDER;
-    ScanTree tree;
-    tree.Scan();
-    for (const auto &row : rows) {
-        const fs::path sample = samples / row.kind / row.file;
+    const std::tuple<const char *, const char *, const char *> rows[] = {
+        {"epub/epubcheck-epub2-ocf-minimal-valid.epub", "Minimal EPUB 2.0", "-"},
+        {"epub/epubcheck-ocf-filename-utf8-valid.epub", "Minimal EPUB 3.0", "-"},
+        {"epub/epubcheck-ocf-zip-mimetype-entry-extra-field-error.epub", "Minimal EPUB 3.0", "-"},
+        {"epub/epubjs-alice.epub", "Alice's Adventures in Wonderland", "Lewis Carroll"},
+        {"epub/folder-epub-tests-ocf-package_arbitrary.epub", "ocf-package_arbitrary", "Dave Cramer"},
+        {"pdf/exiftool-PDF.pdf", "exiftool-PDF", "-"},
+        {"ipa/app-info-ipad.ipa", "app-info-ipad.ipa", "com.icyleaf.bundle"}};
+    for (const auto &[file, name, more] : rows) {
+        const fs::path sample = fs::path(SAMPLES_FOLDER) / file;
         if (!fs::exists(sample)) GTEST_SKIP() << "no samples";
-        DriverPath *root = tree.At({row.kind == std::string("ipa") ? "app" : "Books"});
-        fs::copy(sample, tree.folder.path() / row.file, fs::copy_options::recursive);
-        const std::string location = BackslashPath(tree.folder.path() / row.file);
-        EXPECT_EQ(row.kind == std::string("ipa") ? AddLocalApp(root, location) : AddLocalBook(root, location),
-                  0);
-        EXPECT_EQ(FindAttribute(FindChild(root, row.file), "name"), row.name);
-        EXPECT_EQ(FindAttribute(FindChild(root, row.file), row.more_key), row.more) << row.file;
+        ScanTree tree;
+        const bool is_app = sample.extension() == ".ipa";
+        const fs::path folder = tree.folder.path() / "media" / (is_app ? "Mobile Applications" : "Books");
+        fs::create_directories(folder);
+        fs::copy(sample, folder / sample.filename(), fs::copy_options::recursive);
+        tree.Scan();
+        DriverPath *root = tree.At({is_app ? "app" : "Books"});
+        if (fs::is_directory(sample)) AddLocalBook(root, BackslashPath(folder / sample.filename()));
+        const DriverPath *entry = FindChild(root, sample.filename().string());
+        EXPECT_EQ(FindAttribute(entry, "name"), name);
+        EXPECT_EQ(FindAttribute(entry, is_app ? "bundleId" : "artist").value_or("-"), more) << file;
     }
 }
 
