@@ -10,8 +10,8 @@
 
 #include "artwork/track_thumbnails.h"
 #include "content/path_text.h"
-#include "tests/artwork/id3_builder.h"
 #include "platform/limits.h"
+#include "tests/artwork/id3_builder.h"
 #include "tests/artwork/thumb_tree.h"
 
 namespace {

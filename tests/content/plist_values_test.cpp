@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
+#include <utility>
 
 #include "content/location_url.h"
 #include "tests/support/collected_log.h"
@@ -22,23 +22,26 @@ CFOwner Parse(const std::string &value) {
 
 TEST(PlistValueText, GivesEachTypeItsText) {
     const CollectedLog log;
-    const std::tuple<const char *, std::optional<std::string>, int32_t> rows[] = {
-        {"<integer>-9223372036854775808</integer>", "-9223372036854775808", 0},
-        {"<integer>9223372036854775808</integer>", {}, 0},
-        {"<integer>7</integer>", "7", kTextIsLocation},
-        {"<real>3</real>", "3", 0},
-        {"<real>3.5</real>", {}, 0},
-        {"<string>a%20&#38; b</string>", "a%20& b", 0},
-        {"<string></string>", {}, 0},
-        {"<string></string>", {}, kTextIsLocation},
-        {"<string>file:///a%20b</string>", "a b", kTextIsLocation},
-        {"<true/>", "true", 0},
-        {"<false/>", "false", 0},
-        {"<data>AAEC/w==</data>", "AAEC/w==", 0},
-        {"<data></data>", "", 0},
-        {"<array/>", {}, 0}};
-    for (const auto &[value, text, flags] : rows)
-        EXPECT_EQ(PlistValueText(Parse(value).get(), "k", flags), text) << value;
+    const std::pair<const char *, std::optional<std::string>> rows[] = {
+        {"<integer>-9223372036854775808</integer>", "-9223372036854775808"},
+        {"<integer>9223372036854775808</integer>", {}},
+        {"<real>3</real>", "3"},
+        {"<real>3.5</real>", {}},
+        {"<string>file:///a%20&#38;b</string>", "file:///a%20&b"},
+        {"<string></string>", {}},
+        {"<true/>", "true"},
+        {"<false/>", "false"},
+        {"<data>AAEC/w==</data>", "AAEC/w=="},
+        {"<data></data>", ""},
+        {"<array/>", {}}};
+    for (const auto &[value, text] : rows)
+        EXPECT_EQ(PlistValueText(Parse(value).get(), "k", 0), text) << value;
+    const auto location = [](const char *value) {
+        return PlistValueText(Parse(value).get(), "k", kTextIsLocation);
+    };
+    EXPECT_EQ(location("<integer>7</integer>"), "7");
+    EXPECT_EQ(location("<string></string>"), std::nullopt);
+    EXPECT_EQ(location("<string>file:///a%20&#38;b</string>"), "a &b");
     EXPECT_EQ(log.Last(), "Ignore data type <" + std::to_string(CFArrayGetTypeID()) + ">\n");
     const CFOwner list = Parse("<true/>");
     EXPECT_EQ(PlistValueText(list.get(), "absent", 0), std::nullopt);
@@ -61,30 +64,27 @@ TEST(PlistValueText, TakesTheUtcFieldsOfADateAsLocalStandardTime) {
 }
 
 TEST(LocationUrlToPath, DecodesUrlsByteByByte) {
-    const std::pair<const char *, const char *> rows[] = {
-        {"file://localhost/C:/My%20Music/a", "C:/My Music/a"},
-        {"file:///C:/a", "C:/a"},
-        {"file://server/a", "file://server/a"},
-        {"FILE:///a", "FILE:///a"},
-        {"file:////volume/a", "/volume/a"},
-        {"%C3%A9%c3%a9%FF%0f%%25", "\xC3\xA9\xC3\xA9\xFF\x0F%25"},
-        {"a%%", "a%"},
-        {"a%", "a"},
-        {"a%4", "a"},
-        {"a%zzb", "a"},  // a byte 0 ends the text for every reader
-        {"a%4z-", "a\x04-"},
-        {"", ""}};
+    EXPECT_EQ(LocationUrlToPath("file://localhost/C:/My%20Music/a"), "C:/My Music/a");
+    EXPECT_EQ(LocationUrlToPath("%C3%A9%c3%a9%FF%0f%%25"), "\xC3\xA9\xC3\xA9\xFF\x0F%25");
+    // A byte 0 ends the text for every reader.
+    const std::pair<const char *, const char *> rows[] = {{"file:///C:/a", "C:/a"},
+                                                          {"file://server/a", "file://server/a"},
+                                                          {"FILE:///a", "FILE:///a"},
+                                                          {"file:////v/a", "/v/a"},
+                                                          {"a%%", "a%"},
+                                                          {"a%", "a"},
+                                                          {"a%4", "a"},
+                                                          {"a%zzb", "a"},
+                                                          {"a%4z-", "a\x04-"},
+                                                          {"", ""}};
     for (const auto &[url, path] : rows)
         EXPECT_EQ(LocationUrlToPath(url), path);
 }
 
-TEST(WritePropertyListFile, SaysWhenTheFileCannotBeOpened) {
+TEST(PropertyListFiles, ThatCannotBeOpenedOrReadGiveNothing) {
     const TempFolder folder;
-    const CFOwner list = Parse("<string>x</string>");
-    EXPECT_EQ(
-        WritePropertyListFile(folder.path() / "none/l.plist", list.get(), kCFPropertyListXMLFormat_v1_0), -2);
-    ASSERT_EQ(WritePropertyListFile(folder.path() / "l.plist", list.get(), kCFPropertyListXMLFormat_v1_0), 0);
-    EXPECT_EQ(PlistValueText(ReadPropertyListFile(folder.path() / "l.plist").get(), "k", 0), "x");
+    EXPECT_EQ(WritePropertyListFile(folder.path() / "none/l", kCFBooleanTrue, kCFPropertyListXMLFormat_v1_0),
+              -2);
     EXPECT_EQ(ReadPropertyListFile(folder.path() / "absent"), nullptr);
     EXPECT_EQ(ReadPropertyListFile(folder.Write("text", "<plist><dict>").string()), nullptr);
 }

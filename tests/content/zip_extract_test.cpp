@@ -45,8 +45,6 @@ class ZipExtractTest : public ::testing::Test {
         std::erase_if(files, [](const auto &file) { return file.second == "/"; });
         return files;
     }
-    // What lies beside the archive and its target folder.
-    auto EntriesOutside() const { return std::distance(fs::directory_iterator(folder_.path()), {}) - 2; }
     // The entry as a file of its own.
     std::string Extracted(const std::string &zip, const std::string &name) const {
         const fs::path target = folder_.Write("target", "old");
@@ -71,7 +69,7 @@ TEST_F(ZipExtractTest, EntriesAreFoundByPatternOrExactName) {
     EXPECT_EQ(Extracted(zip, "O/COVER.jpg"), "exact");
     EXPECT_EQ(Extracted(zip, "o/cover"), "failed");
     EXPECT_EQ(ExtractEntryToFile(zip, "y", Out("none/y").string()), -1);
-    EXPECT_EQ(ExtractEntryToFile(zip + "x", "y", Out("y").string()), -1);
+    EXPECT_EQ(Extracted(zip + "x", "y"), "failed");
     EXPECT_EQ(ExtractEntry(zip + "x", "y", Out().string()), -1);
     const ZipReadHandle handle = OpenZipForRead(zip);
     EXPECT_EQ(FindEntryByRegex(handle.get(), "^O/[^/]+[.]jpg$"), "o/cover.jpg");
@@ -135,22 +133,17 @@ TEST_F(ZipExtractTest, WhatIsThereIsReplacedUnlessItIsAFolderAndNoLinkIsFollowed
     EXPECT_EQ(FolderContents(folder_.path() / "outside"), (Files{{"victim", "victim"}}));
 }
 
-TEST_F(ZipExtractTest, OtherThingsAreNoArchives) {
+TEST_F(ZipExtractTest, OtherThingsAreNoArchivesAndSlippingNamesAreRefused) {
+    ASSERT_EQ(mkfifo((folder_.path() / "a.zip").c_str(), 0600), 0);
+    for (const char *name : {"a.zip", "gone", ""})
+        EXPECT_EQ(UnzipAll((folder_.path() / name).string(), Out().string()), -2) << name;
+    fs::remove(folder_.path() / "a.zip");
     EXPECT_EQ(Unzip({}), 0);
-    ASSERT_EQ(mkfifo(Out("pipe").c_str(), 0600), 0);
-    folder_.Write("out/empty", "");
-    for (const char *name : {"empty", "gone", "pipe", ""})
-        EXPECT_EQ(UnzipAll(Out(name).string(), Out().string()), -2) << name;
-}
-
-TEST_F(ZipExtractTest, SlippingNameIsRefused) {
-    for (const std::string name :
-         {"../evil", "a\\..\\..\\evil", "/evil", "\\evil", "//host/share/evil", "C:evil", "a/.. /evil",
-          "a/.../evil", "../", "", "a/b:stream", "a\nb", "what?"}) {
+    for (const char *name : {"../evil", "a\\..\\..\\evil", "/evil", "//host/share/evil", "C:evil",
+                             "a/.../evil", "../", "", "a/b:stream", "a\nb", "what?"})
         EXPECT_EQ(Unzip({StoredEntry(name, "evil")}), -3) << name;
-        EXPECT_EQ(EntriesOutside(), 0) << name;
-        EXPECT_TRUE(fs::is_empty(Out())) << name;
-    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 2) << "the archive and its target";
+    EXPECT_TRUE(fs::is_empty(Out()));
 }
 
 // Every name up to a length over the characters that matter, read as Windows and as other systems would read
