@@ -56,27 +56,23 @@ TEST(BookThumbnail, ACoverIsUnpackedOnceOrTheEntryForITunesInItsPlace) {
               Small("", temp + "\\iTunesArtwork", "7"));
 }
 
-TEST(BookThumbnail, ABookThatIsAFolderHasItsCoverOnDisk) {
+TEST(BookThumbnail, ABookThatIsAFolderHasItsCoverOnDiskAndOthersTellThatTheyHaveNone) {
     BookTree tree;
-    const std::string cover = tree.Write("b.epub/images/cover.jpg", "12345");
-    for (const std::string &path : {cover, tree.Location("gone.jpg")}) {
+    const std::string on_disk = tree.Write("b.epub/images/cover.jpg", "12345");
+    for (const std::string &path : {on_disk, tree.Location("gone.jpg")}) {
         DriverPath *thumb = tree.AddBook(path, tree.Location("b.epub"), path);
         AddAttribute(thumb, "is_directory", "TRUE");
-        EXPECT_EQ(tree.Load(thumb), Small(".jpg", path, path == cover ? "5" : "0"));
+        EXPECT_EQ(tree.Load(thumb), Small(".jpg", path, path == on_disk ? "5" : "0"));
     }
-}
-
-TEST(BookThumbnail, WhatCannotHaveACoverTellsSo) {
-    BookTree tree;
-    EXPECT_EQ(tree.Load(nullptr), "-1");
+    std::filesystem::remove_all(tree.media);
     EXPECT_EQ(tree.Load(tree.books), "-1");
     EXPECT_EQ(tree.Load(tree.AddPacked("cover.jpg", {StoredEntry("other.jpg", "x")})), "(none)");
     EXPECT_EQ(tree.Load(tree.AddPacked("cover.jpg", {StoredEntry("cover.jpg", "")})), "-1");
     const std::string rows[][3] = {{tree.Location("a.pdf"), "", "(none)"},
-                                   {tree.Location("a.pdf"), "cover.jpg", "-1"},
-                                   {"\\epub", "cover.jpg", "-1"},
-                                   {"C:/a.epub", "cover.jpg", "-1"},
-                                   {tree.Location("gone.epub"), "cover.jpg", "(none)"}};
+                                   {tree.Location("a.pdf"), "c.jpg", "-1"},
+                                   {"\\epub", "c.jpg", "-1"},
+                                   {"C:/a.epub", "c.jpg", "-1"},
+                                   {tree.Location("gone.epub"), "c.jpg", "(none)"}};
     for (const auto &[location, cover, result] : rows)
         EXPECT_EQ(tree.Load(tree.AddBook("x", location, cover)), result) << location << cover;
 }
@@ -90,9 +86,9 @@ TEST(BookThumbnail, NothingIsUnpackedOrPointedToOutsideOfTheBooksFolder) {
     // With the folder and the separator one byte more than a temporary path may have.
     const size_t room = limits::kTempPathBytes.value - (tree.temp_folder.string() + "\\b.epub\\").size();
     const std::string longest = std::string(250, 'n') + "/" + std::string(room - 255, 'n') + ".jpg";
-    for (const std::string &cover :
-         {std::string("../../evil.jpg"), std::string("..\\../media/secret.jpg"), std::string("/etc/hostname"),
-          std::string("C:\\evil.jpg"), std::string("a/../../../media/secret.jpg"), "n" + longest})
+    const std::vector<std::string> covers = {"../../evil.jpg", "..\\../media/secret.jpg",     "/etc/hostname",
+                                             "C:\\evil.jpg",   "a/../../../media/secret.jpg", "n" + longest};
+    for (const std::string &cover : covers)
         EXPECT_EQ(tree.Load(tree.AddPacked(cover, {StoredEntry(cover, "evil")})), "(none)") << cover;
     EXPECT_TRUE(fs::is_empty(tree.temp_folder));
 }

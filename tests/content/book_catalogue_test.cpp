@@ -33,10 +33,7 @@ struct CatalogueFixture : CopyFixture {
     const fs::path catalogue = folder.path() / "wine/dosdevices/k:/Books";
     DriverPath *books = AddRoot("book", node_category::kBook, node_subcategory::kBook);
 
-    CatalogueFixture() {
-        fs::create_directories(catalogue);
-        WriteCatalogue("");
-    }
+    CatalogueFixture() { WriteCatalogue(""); }
     void WriteRoot(const std::string &root) const {
         folder.Write("wine/dosdevices/k:/Books/Books.plist", "<plist>" + root + "</plist>");
     }
@@ -111,9 +108,9 @@ TEST(BookCatalogue, KnowsAFileByItsBytes) {
     CatalogueFixture fixture;
     const std::string first = fixture.File("a.pdf", "abc");
     EXPECT_EQ(AddToBookCatalogue(first, kMediaTypePdf), 0);
+    const std::string digest = "900150983CD24FB0D6963F7D28E17F72";
     EXPECT_EQ(fixture.Entries(),
-              EntryXml({{"path", XmlText(first)},
-                        {"BKGeneratedItemId", XmlText("900150983CD24FB0D6963F7D28E17F72")}}));
+              EntryXml({{"path", XmlText(first)}, {"BKGeneratedItemId", XmlText(digest)}}));
     EXPECT_EQ(AddToBookCatalogue(fixture.File("b.pdf", "abc"), kMediaTypePdf), -5);
     EXPECT_FALSE(fs::exists(fixture.folder.path() / "b.pdf"));
     EXPECT_TRUE(fs::exists(fixture.folder.path() / "a.pdf"));

@@ -172,11 +172,10 @@ TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
     for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
         tree.folder.Write(name, victim);
     std::vector<std::string> books = {"page", "linked"};
-    for (const std::string &name :
-         {std::string("../victim"), std::string("..\\victim"), (top / "victim").string(),
-          std::string("x/../../../victim"), std::string("../vict.m"), std::string(".*"), std::string("."),
-          std::string(".."), std::string("/"), std::string(), std::string("(a+)+$"),
-          std::string("victim&#0;")}) {
+    const std::vector<std::string> names = {
+        "../victim", "..\\victim", "x/../../../victim",      "../vict.m", ".*", ".", "..", "/", "",
+        "(a+)+$",    "victim&#0;", (top / "victim").string()};
+    for (const std::string &name : names) {
         // As a pattern, "../victim" matches the one that has its place.
         Files files = {{"META-INF/container.xml", Container(name)},
                        {std::string(50, 'a') + "b", "x"},
@@ -195,6 +194,8 @@ TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
     EXPECT_EQ(std::distance(fs::directory_iterator(top), {}), 4);
 }
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
 TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
     const TempFolder folder;
     using namespace std::string_literals;
@@ -205,15 +206,15 @@ TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
         const int32_t result = ReadTextFileAsUtf8(folder.Write("t", bytes).string(), text);
         return result == 0 ? text : std::to_string(result);
     };
-    const std::pair<std::string, std::string> rows[] = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
-                                                        {"\xFF\xFE\0\xD8"s, "-3"},
-                                                        {"\xEF\xBB\xBF\xC3", "\xC3"},
-                                                        {"\xEF\xBB", "-2"},
-                                                        {"\xEF\xBBx", "-2"},
-                                                        {"\xEF\xBB\xBF", "-3"},
-                                                        {"", "-3"},
-                                                        {"\xC3\xA9", "\xC3\xA9"},
-                                                        {"\xE9", "\xE9"}};
+    const Pairs rows = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
+                        {"\xFF\xFE\0\xD8"s, "-3"},
+                        {"\xEF\xBB\xBF\xC3", "\xC3"},
+                        {"\xEF\xBB", "-2"},
+                        {"\xEF\xBBx", "-2"},
+                        {"\xEF\xBB\xBF", "-3"},
+                        {"", "-3"},
+                        {"\xC3\xA9", "\xC3\xA9"},
+                        {"\xE9", "\xE9"}};
     for (const auto &[bytes, text] : rows)
         EXPECT_EQ(read(bytes), text);
     EXPECT_EQ(read("\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s), "\xC3\xA9\xF0\x9F\x98\x80");

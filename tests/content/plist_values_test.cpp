@@ -4,6 +4,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "content/location_url.h"
 #include "tests/support/collected_log.h"
@@ -63,20 +64,22 @@ TEST(PlistValueText, TakesTheUtcFieldsOfADateAsLocalStandardTime) {
     }
 }
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
 TEST(LocationUrlToPath, DecodesUrlsByteByByte) {
     EXPECT_EQ(LocationUrlToPath("file://localhost/C:/My%20Music/a"), "C:/My Music/a");
     EXPECT_EQ(LocationUrlToPath("%C3%A9%c3%a9%FF%0f%%25"), "\xC3\xA9\xC3\xA9\xFF\x0F%25");
     // A byte 0 ends the text for every reader.
-    const std::pair<const char *, const char *> rows[] = {{"file:///C:/a", "C:/a"},
-                                                          {"file://server/a", "file://server/a"},
-                                                          {"FILE:///a", "FILE:///a"},
-                                                          {"file:////v/a", "/v/a"},
-                                                          {"a%%", "a%"},
-                                                          {"a%", "a"},
-                                                          {"a%4", "a"},
-                                                          {"a%zzb", "a"},
-                                                          {"a%4z-", "a\x04-"},
-                                                          {"", ""}};
+    const Pairs rows = {{"file:///C:/a", "C:/a"},
+                        {"file://server/a", "file://server/a"},
+                        {"FILE:///a", "FILE:///a"},
+                        {"file:////v/a", "/v/a"},
+                        {"a%%", "a%"},
+                        {"a%", "a"},
+                        {"a%4", "a"},
+                        {"a%zzb", "a"},
+                        {"a%4z-", "a\x04-"},
+                        {"", ""}};
     for (const auto &[url, path] : rows)
         EXPECT_EQ(LocationUrlToPath(url), path);
 }

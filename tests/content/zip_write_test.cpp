@@ -41,14 +41,6 @@ class ZipWriteTest : public ::testing::Test {
     CapturedLog log_;
 };
 
-TEST_F(ZipWriteTest, ArchiveHoldsWhatIsInTheFolderInThePlaceOfAnOldOne) {
-    folder_.Write("a.zip", std::string(100000, 'x'));
-    folder_.Write("tree/a/\xC3\xA9.txt", "text");
-    EXPECT_EQ(ZipFolder(tree_ + "\\", zip_), 0);
-    EXPECT_EQ(FilesMade(), 1);
-    EXPECT_EQ(Unpacked(), FolderContents(tree_));
-}
-
 // What is neither a file nor a folder is never opened, and a name may be as long as the system takes it.
 TEST_F(ZipWriteTest, FolderWithoutFilesGivesAnArchiveWithoutEntries) {
     ASSERT_EQ(mkfifo((tree_ + "/pipe").c_str(), 0600), 0);
@@ -70,12 +62,14 @@ TEST_F(ZipWriteTest, HeadersCarryNoDateAndAllowZip64) {
     EXPECT_LT(bytes.size(), 500U);
 }
 
-TEST_F(ZipWriteTest, EveryByteComesBackHereAndInPython) {
+TEST_F(ZipWriteTest, EveryByteComesBackAndNothingOfAnOldArchive) {
     std::string noise(300000, ' ');
     std::generate(noise.begin(), noise.end(), std::mt19937(1));
     for (const size_t size : {0U, 1024U, 1025U, 300000U})
         folder_.Write("tree/OEBPS/a file/" + std::to_string(size), noise.substr(0, size));
-    ASSERT_EQ(ZipFolder(tree_, zip_), 0);
+    folder_.Write("a.zip", std::string(1000000, 'x'));
+    EXPECT_EQ(ZipFolder(tree_ + "\\", zip_), 0);
+    EXPECT_EQ(FilesMade(), 1);
     EXPECT_EQ(Unpacked(), FolderContents(tree_));
     if (std::system("python3 -m zipfile -h >/dev/null") != 0) GTEST_SKIP() << "no Python here";
     const std::string out = (folder_.path() / "theirs").string();
@@ -105,13 +99,13 @@ TEST_F(ZipWriteTest, LinksThatFormACycleAreWalkedOnceAndOthersUpToTheEntryLimit)
     EXPECT_THAT(Unpacked(), UnorderedElementsAre(Pair("a", "/"), Pair("a/b", "/"), Pair("a/b/file", "1")));
     // Each folder holds two links to the next: 2^17 paths without any cycle.
     for (int i = 0; i < 17; ++i) {
-        const fs::path level = folder_.path() / ("level" + std::to_string(i));
-        fs::create_directory(level);
-        for (const char *link : {"x", "y"})
-            fs::create_directory_symlink("../level" + std::to_string(i + 1), level / link);
+        fs::create_directory(folder_.path() / std::to_string(i));
+        for (const char *link : {"/x", "/y"})
+            fs::create_directory_symlink("../" + std::to_string(i + 1),
+                                         folder_.path() / (std::to_string(i) + link));
     }
     fs::remove(zip_);
-    EXPECT_EQ(ZipFolder((folder_.path() / "level0").string(), zip_), -6);
+    EXPECT_EQ(ZipFolder((folder_.path() / "0").string(), zip_), -6);
     EXPECT_FALSE(fs::exists(zip_));
 }
 
