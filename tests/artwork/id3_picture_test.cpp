@@ -51,8 +51,8 @@ TEST(Id3Picture, AFileWithoutOneMakesNoThumbnail) {
     Id3Tree tree;
     const std::string picture = Id3Tag(PictureFrame("picture"));
     for (const std::string &bytes :
-         {std::string(), SilentSound(1), Id3Tag(Id3Text("TIT2", "APIC")), picture.substr(0, 12),
-          "junk" + picture + SilentSound(1),
+         {std::string(), std::string(5000, '\xFF'), SilentSound(1), Id3Tag(Id3Frame("APIC", "\3")),
+          Id3Tag(Id3Text("TIT2", "APIC")), picture.substr(0, 12), "junk" + picture + SilentSound(1),
           "ID3\3" + Zeros(2) + SynchSafe((256 << 20) - 1) + PictureFrame("picture").substr(0, 20)})
         EXPECT_EQ(tree.Picture("a.mp3", bytes), "(none)") << bytes.substr(0, 40);
     EXPECT_EQ(tree.PictureAt(tree.Location("gone.mp3")), "(none)");

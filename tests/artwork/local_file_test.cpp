@@ -56,19 +56,14 @@ TEST(ImportLocalFile, AnMp3BringsItsTagItsLengthAndItsPicture) {
 }
 
 TEST(ImportLocalFile, AnMp3WithLittleInItKeepsItsFileName) {
-    const std::pair<std::string, std::string> rows[] = {
-        {Id3Tag(Id3Text("TPE1", "Artist") + Id3Text("TYER", "0")), "artist=Artist name=my.song"},
-        {"", "name=my.song"},
-        {std::string(5000, '\xFF'), "name=my.song"},
-        {std::string("ID3\4\0\0\x7F\x7F\x7F\x7F", 10), "name=my.song"},
-        {Id3Tag(std::string("APIC\xFF\xFF\xFF\xFF", 8) + Zeros(20)), "name=my.song"},
-        {Id3Tag(Id3Frame("APIC", "\3")), "name=my.song"}};
-    for (const auto &[bytes, texts] : rows) {
+    const std::string artist = Id3Tag(Id3Text("TPE1", "Artist") + Id3Text("TYER", "0"));
+    for (const std::string &bytes :
+         {artist, std::string(), Id3Tag("APIC" + std::string(4, '\xFF') + Zeros(20))}) {
         ImportTree tree;
         const std::string location = tree.Write("my.song.mp3", bytes);
-        EXPECT_EQ(TreeText(tree.Imported(location), ""), " 4 2 20 id=5000000 location=" + location +
-                                                             " st_size=" + std::to_string(bytes.size()) +
-                                                             " " + texts + "\n");
+        EXPECT_EQ(TreeText(tree.Imported(location), ""),
+                  " 4 2 20 id=5000000 location=" + location + " st_size=" + std::to_string(bytes.size()) +
+                      (bytes == artist ? " artist=Artist" : "") + " name=my.song\n");
         EXPECT_THAT(tree.log.Lines(), testing::IsEmpty());
     }
 }

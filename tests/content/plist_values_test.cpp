@@ -4,7 +4,6 @@
 
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "content/location_url.h"
 #include "tests/support/collected_log.h"
@@ -64,24 +63,17 @@ TEST(PlistValueText, TakesTheUtcFieldsOfADateAsLocalStandardTime) {
     }
 }
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-
+// More of them are compared with a slow reading by the fuzzer of paths.
 TEST(LocationUrlToPath, DecodesUrlsByteByByte) {
     EXPECT_EQ(LocationUrlToPath("file://localhost/C:/My%20Music/a"), "C:/My Music/a");
-    EXPECT_EQ(LocationUrlToPath("%C3%A9%c3%a9%FF%0f%%25"), "\xC3\xA9\xC3\xA9\xFF\x0F%25");
-    // A byte 0 ends the text for every reader.
-    const Pairs rows = {{"file:///C:/a", "C:/a"},
-                        {"file://server/a", "file://server/a"},
-                        {"FILE:///a", "FILE:///a"},
-                        {"file:////v/a", "/v/a"},
-                        {"a%%", "a%"},
-                        {"a%", "a"},
-                        {"a%4", "a"},
-                        {"a%zzb", "a"},
-                        {"a%4z-", "a\x04-"},
-                        {"", ""}};
-    for (const auto &[url, path] : rows)
-        EXPECT_EQ(LocationUrlToPath(url), path);
+    EXPECT_EQ(LocationUrlToPath("file:///%C3%A9%c3%a9%FF%0f%%25"), "\xC3\xA9\xC3\xA9\xFF\x0F%25");
+    for (const char *url : {"file://server/a", "FILE:///a", "/volume/a", ""})
+        EXPECT_EQ(LocationUrlToPath(url), url);
+    // A byte 0 ends the text for every reader, and so does an escape that is cut off.
+    for (const char *url : {"a", "a%", "a%4", "a%zzb", "a%00b"})
+        EXPECT_EQ(LocationUrlToPath(url), "a") << url;
+    EXPECT_EQ(LocationUrlToPath("a%%"), "a%");
+    EXPECT_EQ(LocationUrlToPath("a%4z-"), "a\x04-");
 }
 
 TEST(PropertyListFiles, ThatCannotBeOpenedOrReadGiveNothing) {
