@@ -14,8 +14,8 @@ const std::string kLibrary = "0123456789ABCDEF";
 const std::string kTrack = "FEDCBA9876543210";
 
 struct ScanTree : ThumbTree {
-    ScanTree() {
-        AddAttribute(driver.root, "persistent_id", kLibrary.c_str());
+    explicit ScanTree(const std::string &library_id = kLibrary) {
+        AddAttribute(driver.root, "persistent_id", library_id.c_str());
         driver.library_folder = Location("");
     }
     DriverPath *AddMusic(const std::string &name, const std::string &persistent_id) {
@@ -61,7 +61,7 @@ TEST(ArtworkScan, LinksEveryTrackWithTheIdToEveryFileOfIt) {
     EXPECT_EQ(tree.StreamOf("library/music/2.mp3/thumb/small"), PngPicture(8));
 }
 
-TEST(ArtworkScan, RunsOnceAndWithTheFirstStepIntoAFile) {
+TEST(ArtworkScan, RunsOnceWithTheFirstStepIntoAFileAndNeedsAWholeLibraryId) {
     ScanTree tree;
     DriverPath *track = tree.AddMusic("1.mp3", kTrack);
     tree.AddFile(kLibrary + "-" + kTrack + ".itc");
@@ -72,6 +72,11 @@ TEST(ArtworkScan, RunsOnceAndWithTheFirstStepIntoAFile) {
     tree.AddFile(kLibrary + "-" + kTrack + ".itc2");
     EXPECT_EQ(tree.At("library/music/1.mp3"), track);
     EXPECT_EQ(ChildCount(track), 1);
+    ScanTree short_id(kLibrary.substr(0, 15));
+    track = short_id.AddMusic("1.mp3", kTrack);
+    short_id.AddFile(kLibrary + "-" + kTrack + ".itc");
+    EXPECT_EQ(short_id.At("library/music/1.mp3"), track);
+    EXPECT_EQ(ChildCount(track), 0);
 }
 
 }  // namespace

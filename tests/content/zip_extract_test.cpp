@@ -175,7 +175,8 @@ TEST_F(ZipExtractTest, BombStopsAtEachLimit) {
     EXPECT_EQ(Unzip({bomb}, {less, whole}), -3);
     EXPECT_EQ(Unzip({bomb, StoredEntry("2", "")}, {whole, less}), -3);
     EXPECT_EQ(Unpacked(), Files());
-    EXPECT_EQ(Unzip({bomb}, {whole, whole}), 0);
+    EXPECT_EQ(Unzip({bomb, bomb}, {whole, Bytes(2 * zeros.size())}), -3) << "for its expansion";
+    EXPECT_EQ(Unzip({bomb, StoredEntry("1", zeros)}, {whole, Bytes(2 * zeros.size())}), 0);
     EXPECT_EQ(Unzip({bomb, StoredEntry("2", "x")}, {whole, whole}), -3);
     EXPECT_EQ(Unzip({DeflatedEntry("3", zeros + '\0')}), -3) << "more than the archive's size allows";
     EXPECT_EQ(Unpacked(), (Files{{"1", zeros}}));
