@@ -1,15 +1,12 @@
 #include "artwork/book_thumbnail.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 
+#include "platform/limits.h"
 #include "tests/artwork/thumb_tree.h"
-#include "tests/support/zip_builder.h"
-
-using testing::ElementsAre;
 
 namespace {
 
@@ -23,103 +20,77 @@ struct BookTree : ThumbTree {
         if (!cover.empty()) AddAttribute(thumb, "cover-image-path", cover.c_str());
         return thumb;
     }
-    DriverPath *AddPacked(const std::string &name, const std::string &cover,
-                          const std::vector<ZipBuilderEntry> &entries) {
-        return AddBook(name, Write(name, BuildZip(entries)), cover);
+    DriverPath *AddPacked(const std::string &cover, const std::vector<ZipBuilderEntry> &entries) {
+        return AddBook("b.epub", Write("b.epub", BuildZip(entries)), cover);
     }
-    std::string Temp(const std::string &rest) const { return temp.path().string() + rest; }
-    // The location of the one thumbnail, if there is one.
-    static std::string Cover(const DriverPath *thumb) {
-        return ChildCount(thumb) == 0 ? "(none)" : Text(ChildAt(thumb, 0), "location");
+    // What comes of a thumb node: the one thumbnail with its attributes, or the number of an error.
+    std::string Load(DriverPath *thumb) {
+        const int32_t result = LoadBookThumbnail(&driver, thumb);
+        if (result != 0) return std::to_string(result);
+        EXPECT_LE(ChildCount(thumb), 1);
+        return ChildCount(thumb) == 0 ? "(none)" : TreeText(ChildAt(thumb, 0), ChildNameAt(thumb, 0));
     }
 };
 
-TEST(BookThumbnail, ACoverIsUnpackedOnTheFirstWalkIntoIt) {
-    BookTree tree;
-    DriverPath *thumb =
-        tree.AddPacked("A Book.EPUB", "OEBPS/Cover.png", {DeflatedEntry("OEBPS/Cover.png", "cover bytes")});
-    EXPECT_EQ(tree.StreamOf("library/Books/A Book.EPUB/thumb/small"), "cover bytes");
-    EXPECT_EQ(BookTree::Cover(thumb), tree.Temp("\\A Book.EPUB\\OEBPS/Cover.png"));
-    EXPECT_THAT(ThumbTree::Names(thumb), ElementsAre("small"));
-    const DriverPath *small = ChildAt(thumb, 0);
-    EXPECT_EQ(std::vector({small->kind, small->category, small->subcategory}), std::vector({4, 4, 44}));
-    EXPECT_EQ(ThumbTree::Text(small, "thumb_type"), ".png");
-    EXPECT_EQ(ThumbTree::Text(small, "st_size"), "11");
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 1);
+std::string Small(const std::string &type, const std::string &location, const std::string &size) {
+    return "small 4 4 44 " + (type.empty() ? "" : "thumb_type=" + type + " ") + "location=" + location +
+           " st_size=" + size + "\n";
 }
 
-TEST(BookThumbnail, TheEntryForITunesStandsInForACoverThatIsNotThere) {
+TEST(BookThumbnail, ACoverIsUnpackedOnceOrTheEntryForITunesInItsPlace) {
     BookTree tree;
+    const std::string temp = tree.temp_folder.string() + "\\b.epub";
     const ZipBuilderEntry artwork = StoredEntry("iTunesArtwork", "artwork");
-    // As a pattern the reference fits an entry of another name.
-    DriverPath *thumb =
-        tree.AddPacked("b.epub", "OEBPS/[a-z]{1}.jpg", {StoredEntry("OEBPS/c.jpg", "c"), artwork});
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-    EXPECT_EQ(BookTree::Cover(thumb), tree.Temp("\\b.epub/iTunesArtwork"));
-    EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "thumb_type"), ".jpg");
-    EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "st_size"), "7");
-    EXPECT_EQ(tree.StreamOf("library/Books/b.epub/thumb/small"), "artwork");
-    thumb = tree.AddPacked("c.epub", "OEBPS/[a-z]{1}.jpg", {StoredEntry("OEBPS/c.jpg", "c")});
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-    EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "st_size"), "0");
-    EXPECT_EQ(tree.StreamOf("library/Books/c.epub/thumb/small"), "(does not open)");
-    // As the cover itself it has no extension.
-    thumb = tree.AddPacked("d.epub", "iTunesArtwork", {artwork});
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-    EXPECT_EQ(BookTree::Cover(thumb), tree.Temp("\\d.epub\\iTunesArtwork"));
-    EXPECT_EQ(FindAttribute(ChildAt(thumb, 0), "thumb_type"), std::nullopt);
+    const std::string pattern = "o/[a-z]{1}.jpg";  // fits an entry of another name
+    DriverPath *packed = tree.AddPacked("O/Cover.png", {DeflatedEntry("O/Cover.png", "cover")});
+    EXPECT_EQ(tree.Load(packed), Small(".png", temp + "\\O/Cover.png", "5"));
+    EXPECT_EQ(tree.Load(packed), "1");
+    EXPECT_EQ(tree.StreamOf("library/Books/b.epub/thumb/small"), "cover");
+    EXPECT_EQ(tree.Load(tree.AddPacked(pattern, {StoredEntry("o/c.jpg", "c"), artwork})),
+              Small(".jpg", temp + "/iTunesArtwork", "7"));
+    EXPECT_EQ(ReadWholeFile(tree.temp_folder / "b.epub/iTunesArtwork"), "artwork");
+    fs::remove(tree.temp_folder / "b.epub/iTunesArtwork");
+    EXPECT_EQ(tree.Load(tree.AddPacked(pattern, {StoredEntry("o/c.jpg", "c")})),
+              Small(".jpg", temp + "/iTunesArtwork", "0"));
+    EXPECT_EQ(tree.Load(tree.AddPacked("iTunesArtwork", {artwork})),
+              Small("", temp + "\\iTunesArtwork", "7"));
 }
 
-TEST(BookThumbnail, ABookThatIsAFolderHasItsCoverOnDisk) {
+TEST(BookThumbnail, ABookThatIsAFolderHasItsCoverOnDiskAndOthersTellThatTheyHaveNone) {
     BookTree tree;
-    const std::string cover = tree.Write("b.epub/images/cover.jpg", "12345");
-    for (const std::string &path : {cover, tree.Location("gone.jpg")}) {
+    const std::string on_disk = tree.Write("b.epub/images/cover.jpg", "12345");
+    for (const std::string &path : {on_disk, tree.Location("gone.jpg")}) {
         DriverPath *thumb = tree.AddBook(path, tree.Location("b.epub"), path);
         AddAttribute(thumb, "is_directory", "TRUE");
-        EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-        EXPECT_EQ(BookTree::Cover(thumb), path);
-        EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "st_size"), path == cover ? "5" : "0");
-        EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, 0), "thumb_type"), ".jpg");
+        EXPECT_EQ(tree.Load(thumb), Small(".jpg", path, path == on_disk ? "5" : "0"));
     }
-}
-
-TEST(BookThumbnail, WhatCannotHaveACoverTellsSo) {
-    BookTree tree;
-    const auto load = [&](DriverPath *thumb) { return LoadBookThumbnail(&tree.driver, thumb); };
-    EXPECT_EQ(load(nullptr), -1);
-    EXPECT_EQ(load(tree.books), -1);
-    EXPECT_EQ(load(tree.AddBook("1", tree.Location("a.pdf"), "")), 0);
-    EXPECT_EQ(load(tree.AddBook("2", "", "cover.jpg")), 0);
-    EXPECT_EQ(load(tree.AddBook("3", tree.Location("a.pdf"), "cover.jpg")), -1);
-    EXPECT_EQ(load(tree.AddBook("4", "\\epub", "cover.jpg")), -1);
-    EXPECT_EQ(load(tree.AddBook("5", "C:/a.epub", "cover.jpg")), -1);
-    EXPECT_EQ(load(tree.AddBook("6", tree.Location("gone.epub"), "cover.jpg")), 0);
-    EXPECT_EQ(load(tree.AddPacked("7.epub", "cover.jpg", {StoredEntry("other.jpg", "x")})), 0);
-    EXPECT_EQ(load(tree.AddPacked("8.epub", "cover.jpg", {StoredEntry("cover.jpg", "")})), -1);
-    for (int32_t i = 0; i < ChildCount(tree.books); ++i)
-        EXPECT_EQ(ChildCount(ChildAt(ChildAt(tree.books, i), 0)), 0) << i;
+    std::filesystem::remove_all(tree.media);
+    EXPECT_EQ(tree.Load(tree.books), "-1");
+    EXPECT_EQ(tree.Load(tree.AddPacked("cover.jpg", {StoredEntry("other.jpg", "x")})), "(none)");
+    EXPECT_EQ(tree.Load(tree.AddPacked("cover.jpg", {StoredEntry("cover.jpg", "")})), "-1");
+    const std::string rows[][3] = {{tree.Location("a.pdf"), "", "(none)"},
+                                   {tree.Location("a.pdf"), "c.jpg", "-1"},
+                                   {"\\epub", "c.jpg", "-1"},
+                                   {"C:/a.epub", "c.jpg", "-1"},
+                                   {tree.Location("gone.epub"), "c.jpg", "(none)"}};
+    for (const auto &[location, cover, result] : rows)
+        EXPECT_EQ(tree.Load(tree.AddBook("x", location, cover)), result) << location << cover;
 }
 
 TEST(BookThumbnail, NothingIsUnpackedOrPointedToOutsideOfTheBooksFolder) {
     BookTree tree;
-    const std::string secret = "../" + tree.files.path().filename().string() + "/secret.jpg";
     tree.Write("secret.jpg", "secret");
-    const std::vector<std::string> covers = {
-        "../../evil.jpg",       "..\\" + secret,
-        "/etc/hostname",        "C:\\evil.jpg",
-        "a/../../../" + secret, std::string(250, 'n') + "/" + std::string(250, 'n') + ".jpg"};
-    for (const std::string &cover : covers) {
-        DriverPath *thumb = tree.AddPacked("evil.epub", cover, {StoredEntry(cover, "evil")});
-        EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-        EXPECT_EQ(BookTree::Cover(thumb), "(none)") << cover;
-    }
     // A location from a library may mix its separators.
-    const std::string archive = BuildZip({StoredEntry("cover.jpg", "evil")});
-    tree.Write("up.epub", archive);
-    DriverPath *thumb = tree.AddBook("up", tree.Location("x") + "\\../up.epub", "cover.jpg");
-    EXPECT_EQ(LoadBookThumbnail(&tree.driver, thumb), 0);
-    EXPECT_EQ(ChildCount(thumb), 0);
-    EXPECT_TRUE(fs::is_empty(tree.temp.path()));
+    tree.Write("up.epub", BuildZip({StoredEntry("cover.jpg", "evil")}));
+    EXPECT_EQ(tree.Load(tree.AddBook("up", tree.Location("x") + "\\../up.epub", "cover.jpg")), "(none)");
+    // With the folder and the separator one byte more than a temporary path may have.
+    const size_t room = limits::kTempPathBytes.value - (tree.temp_folder.string() + "\\b.epub\\").size();
+    const std::string longest = std::string(250, 'n') + "/" + std::string(room - 255, 'n') + ".jpg";
+    const std::vector<std::string> covers = {"../../evil.jpg", "..\\../media/secret.jpg",     "/etc/hostname",
+                                             "C:\\evil.jpg",   "a/../../../media/secret.jpg", "n" + longest};
+    for (const std::string &cover : covers)
+        EXPECT_EQ(tree.Load(tree.AddPacked(cover, {StoredEntry(cover, "evil")})), "(none)") << cover;
+    EXPECT_TRUE(fs::is_empty(tree.temp_folder));
 }
 
 }  // namespace

@@ -7,36 +7,23 @@
 #include <string>
 #include <vector>
 
+#include "artwork/thumb_node.h"
 #include "driver/scanned_entries.h"
-#include "tests/driver/tree_fixture.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
+#include "tests/content/media_tree.h"
 
-// A bare library with a root for music, a folder for files, and one for temporary files. Locations have
-// backslashes.
-struct ThumbTree : BareTree {
-    TempFolder files;
-    TempFolder temp;
-    ScopedEnvironment environment{"TEMP", temp.path().string()};
+// A media folder with a root for music.
+struct ThumbTree : MediaTree {
     DriverPath *music = EnsureCategoryPath(&driver, "music", node_category::kAudio, node_subcategory::kMusic);
+    std::filesystem::path media = folder.path() / "media";
+    std::filesystem::path temp_folder = folder.path() / "temp";
 
-    // A "thumb" node that hangs below a file node, in music by default.
+    // A "thumb" node below a file node, in music by default.
     DriverPath *AddThumb(const std::string &file_name, const std::string &location,
-                         DriverPath *category_root = nullptr) {
-        DriverPath *root = category_root != nullptr ? category_root : music;
+                         DriverPath *root = nullptr) {
+        if (root == nullptr) root = music;
         DriverPath *file = CreateDriverPath(&driver, node_kind::kFile, root->category, root->subcategory);
         AppendChild(root, file_name.c_str(), file);
-        DriverPath *thumb = CreateDriverPath(&driver, node_kind::kFolder, node_category::kThumbnail,
-                                             node_subcategory::kThumbOfTrack);
-        if (!location.empty()) AddAttribute(thumb, "location", location.c_str());
-        AppendChild(file, "thumb", thumb);
-        return thumb;
-    }
-    std::string Location(const std::string &name) const { return BackslashPath(files.path() / name); }
-    std::string Write(const std::string &name, const std::string &bytes) const {
-        files.Write(name, bytes);
-        return Location(name);
+        return AddThumbNode(file, node_subcategory::kThumbOfTrack, location.c_str());
     }
     // The node that a path text names, or null.
     DriverPath *At(const std::string &path) {
@@ -49,8 +36,8 @@ struct ThumbTree : BareTree {
     }
     static std::vector<std::string> Names(const DriverPath *path) {
         std::vector<std::string> names;
-        for (int32_t i = 0; i < GetVelmarArraySize(path->names); ++i)
-            names.emplace_back(ChildNameAt(path, i));
+        for (int32_t i = 0; i < ChildCount(path); ++i)
+            names.emplace_back(i < GetVelmarArraySize(path->names) ? ChildNameAt(path, i) : "(none)");
         return names;
     }
     std::string StreamOf(const std::string &path) {

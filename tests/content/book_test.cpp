@@ -5,11 +5,11 @@
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "content/book_scan.h"
 #include "content/text_file.h"
-#include "driver/scanned_entries.h"
 #include "platform/limits.h"
 #include "tests/content/captured_log.h"
 #include "tests/content/epub_files.h"
@@ -20,190 +20,206 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using testing::ElementsAre;
+std::string Titled(const std::string &title, const std::string &manifest = "") {
+    return Package("<dc:title>" + title + "</dc:title>", manifest);
+}
 
 struct BookTree : MediaTree {
-    DriverPath *books = AddRoot("book", node_category::kBook, node_subcategory::kBook);
+    DriverPath *books = AddRoot("Books", node_category::kBook, node_subcategory::kBook);
+    CapturedLog log;
 
-    // The same book in both forms.
-    void WriteBook(const Files &files) const {
-        Write("file.epub", Archive(files));
-        for (const auto &[name, content] : files)
-            Write("folder.epub/" + name, content);
+    // The same book in both forms, "NAME.epub" and "folder/NAME.epub".
+    void Add(const std::string &name, const Files &files) const {
+        Write("Books/" + name + ".epub", Archive(files));
+        for (const auto &[file, content] : files)
+            Write("folder/" + name + ".epub/" + file, content);
     }
-    // The cover of a book that is added now; "none" without one.
-    std::string CoverOf(const std::string &name) {
+    DriverPath *Added(const std::string &name) {
         DriverPath *book = nullptr;
-        if (AddLocalBook(books, Location(name), &book) != 0) return "not added";
+        EXPECT_EQ(AddLocalBook(books, Location(name), &book), 0);
+        return book;
+    }
+    static std::string CoverOf(DriverPath *book) {
         return std::string(FindAttribute(FindChild(book, "thumb"), "cover-image-path").value_or("none"));
     }
+    // Every bad book is listed under the name of its file, and a good one with what it says.
+    void ExpectBare(const std::vector<std::string> &names) {
+        Add("good", Epub("o/p.opf", Titled("Good", CoverItemXml("c.png", ""))));
+        ASSERT_EQ(ScanBooks(&driver), 0);
+        EXPECT_EQ(FindAttribute(At({"Books", "good.epub"}), "name"), "Good");
+        EXPECT_EQ(CoverOf(At({"Books", "good.epub"})), "o\\c.png");
+        for (const std::string &name : names) {
+            DriverPath *book = At({"Books", name + ".epub"});
+            ASSERT_NE(book, nullptr) << name;
+            EXPECT_EQ(FindAttribute(book, "name"), name);
+            EXPECT_EQ(CoverOf(book), "none") << name;
+        }
+    }
 };
 
-struct CoverCase {
-    std::string what;
-    Files files;
-    std::string of_file;
-    std::string of_folder;  // below the book
-    size_t log_lines = 0;
-};
-
-// The package document lies in "OEBPS"; `more` are further files.
-CoverCase InOebps(const std::string &what, const std::string &manifest, Files more,
-                  const std::string &of_file, const std::string &of_folder, size_t log_lines = 0) {
+// A book whose package document lies in "OEBPS", and further files.
+Files InOebps(const std::string &manifest, Files more = {}) {
     more.merge(Epub("OEBPS/p.opf", Package("", manifest)));
-    return {what, std::move(more), of_file, of_folder, log_lines};
+    return more;
 }
 
-const std::string kPageItem = CoverItemXml("t/cover.xhtml", "Application/xhtml+XML");
-
-std::vector<CoverCase> CoverCases() {
-    const std::string long_name = std::string(255, 'x');
-    return {
-        InOebps("image", CoverItemXml("images/c.jpg", "image/jpeg"), {}, "OEBPS\\images/c.jpg",
-                "OEBPS\\images\\c.jpg"),
-        InOebps("no type", "<item id='cover' href='c'/>", {}, "OEBPS\\c", "OEBPS\\c"),
-        {"at the top", Epub("p.opf", Package("", CoverItemXml("c.jpg", "image/jpeg"))), "c.jpg", "c.jpg"},
-        InOebps("other items",
-                "<item id='Cover' href='1'/><item href='2'/><item id='cover'/>" + CoverItemXml("4", "") +
-                    CoverItemXml("5", ""),
-                {}, "OEBPS\\4", "OEBPS\\4"),
-        InOebps("upwards", CoverItemXml("../c.jpg", ""), {}, "OEBPS\\../c.jpg", "OEBPS\\..\\c.jpg"),
-        InOebps("out of the book", CoverItemXml("a/../../../c.jpg", ""), {}, "OEBPS\\a/../../../c.jpg",
-                "none"),
-        InOebps("long", CoverItemXml(long_name, ""), {}, "none", "OEBPS\\" + long_name),
-        InOebps("page", kPageItem, {{"OEBPS/t/cover.xhtml", Page("<p><img src='../i/c.png'/></p>")}},
-                "OEBPS\\..\\i\\c.png", "OEBPS\\..\\i\\c.png"),
-        InOebps("page with div", kPageItem, {{"OEBPS/t/cover.xhtml", Page("<p/><div><img src='c'/></div>")}},
-                "OEBPS\\c", "OEBPS\\c", 1),
-        InOebps("page without image", kPageItem, {{"OEBPS/t/cover.xhtml", Page("<p/>")}}, "none", "none", 2),
-        InOebps("empty source", kPageItem,
-                {{"OEBPS/t/cover.xhtml", Page("<p><img src=''/></p><div><img src='c'/></div>")}}, "none",
-                "none"),
-        InOebps("page damaged", kPageItem, {{"OEBPS/t/cover.xhtml", "<html>"}}, "none", "none", 1),
-        InOebps("page gone", kPageItem, {}, "none", "OEBPS\\t\\cover.xhtml"),
-        InOebps("artwork", kPageItem, {{"iTunesArtwork", "x"}}, "iTunesArtwork", "iTunesArtwork"),
-        {"prefix", Epub("p.opf", "<o:package><manifest/></o:package>"), "none", "none", 1},
-        {"package damaged", Epub("p.opf", "<package>"), "none", "none", 1},
-        {"package gone", {{"META-INF/container.xml", Container("p.opf")}}, "none", "none"},
-        {"no container", {{"a", "b"}}, "none", "none"},
-    };
+// One whose cover is a page.
+const std::string kPageItem = CoverItemXml("t/c.xhtml", "Application/xhtml+XML");
+Files WithPage(const std::string &page) {
+    return InOebps(kPageItem, {{"OEBPS/t/c.xhtml", page}});
 }
 
+// Files, the cover in the archive and below the folder, and the number of lines in the log.
 TEST(AddLocalBook, FindsTheCoverOfBothForms) {
-    for (const CoverCase &book : CoverCases()) {
-        SCOPED_TRACE(book.what);
-        const bool is_long = std::string(book.what) == "long";  // for an archive only, and logged as such
+    const std::string fits(limits::kEntryPathBytes.value - 6, 'x');
+    const std::tuple<Files, std::string, std::string, size_t> rows[] = {
+        {InOebps(CoverItemXml("i/c.jpg", "image/jpeg")), "OEBPS\\i/c.jpg", "OEBPS\\i\\c.jpg", 0},
+        {Epub("p.opf", Package("", "<item id='cover' href='c'/>")), "c", "c", 0},
+        {InOebps("<item id='Cover' href='1'/><item href='2'/><item id='cover'/>" + CoverItemXml("4", "") +
+                 CoverItemXml("5", "")),
+         "OEBPS\\4", "OEBPS\\4", 0},
+        {InOebps(CoverItemXml("../c.jpg", "")), "OEBPS\\../c.jpg", "OEBPS\\..\\c.jpg", 0},
+        {InOebps(CoverItemXml("a/../../../c.jpg", "")), "OEBPS\\a/../../../c.jpg", "none", 0},
+        {InOebps(CoverItemXml(fits, "")), "OEBPS\\" + fits, "OEBPS\\" + fits, 0},
+        {InOebps(CoverItemXml(fits + "x", "")), "none", "OEBPS\\" + fits + "x", 1},
+        {WithPage(Page("<p><img src='../i/c.png'/></p>")), "OEBPS\\..\\i\\c.png", "OEBPS\\..\\i\\c.png", 0},
+        {WithPage(Page("<p/><div><img src='c'/></div>")), "OEBPS\\c", "OEBPS\\c", 2},
+        {WithPage(Page("<p/>")), "none", "none", 4},
+        {WithPage(Page("<p><img src=''/></p><div><img src='c'/></div>")), "none", "none", 0},
+        {WithPage("<html>"), "none", "none", 2},
+        {InOebps(kPageItem), "none", "OEBPS\\t\\c.xhtml", 0},
+        {InOebps(kPageItem, {{"iTunesArtwork", "x"}}), "iTunesArtwork", "iTunesArtwork", 0},
+        {Epub("p.opf", "<o:package><manifest/></o:package>"), "none", "none", 2},
+        {Epub("p.opf", "<package>"), "none", "none", 2},
+        {{{"META-INF/container.xml", Container("p.opf")}}, "none", "none", 0},
+        {{{"a", "b"}}, "none", "none", 0}};
+    for (const auto &[files, of_file, of_folder, log_lines] : rows) {
         BookTree tree;
-        tree.WriteBook(book.files);
-        const CapturedLog log;
-        EXPECT_EQ(tree.CoverOf("file.epub"), book.of_file);
-        EXPECT_EQ(log.lines().size(), book.log_lines + (is_long ? 1 : 0))
-            << testing::PrintToString(log.lines());
-        const bool has_cover = book.of_folder != "none";
-        EXPECT_EQ(tree.CoverOf("folder.epub"),
-                  has_cover ? tree.Location("folder.epub") + "\\" + book.of_folder : "none");
-        EXPECT_EQ(log.lines().size(), 2 * book.log_lines + (is_long ? 1 : 0));
+        tree.Add("b", files);
+        EXPECT_EQ(BookTree::CoverOf(tree.Added("Books/b.epub")), of_file);
+        const std::string folder = of_folder == "none" ? "" : tree.Location("folder/b.epub") + "\\";
+        EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/b.epub")), folder + of_folder);
+        EXPECT_EQ(tree.log.lines().size(), log_lines) << testing::PrintToString(tree.log.lines());
     }
 }
 
 TEST(AddLocalBook, TellsWhatThePackageAndTheFileTell) {
     const ScopedZone zone("UTC");
     BookTree tree;
-    const std::string metadata =
-        "<dc:title> A &amp; "
-        "B\n</dc:title><dc:creator>C</dc:creator><title>no</title><dc:creator>D</dc:creator>"
-        "<dc:subject>S</dc:subject><dc:date>April</dc:date><dc:date>1970-01-02</dc:date>"
-        "<dc:publisher>P</dc:publisher>";
-    Files files = Epub("a/b.opf", Package(metadata, CoverItemXml("c.png", "")));
+    Files files = Epub("a/b.opf", Package("<dc:title> A &amp; B</dc:title><dc:creator>C</dc:creator><title>no"
+                                          "</title><dc:creator>D</dc:creator><dc:subject>S</dc:subject>"
+                                          "<dc:date>April</dc:date><dc:date>1970-01-02</dc:date>"
+                                          "<dc:publisher>P</dc:publisher>",
+                                          CoverItemXml("c.png", "")));
     files["itunesARTWORK"] = "picture";
-    tree.WriteBook(files);
-    DriverPath *book = nullptr;
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("file.epub"), &book), 0);
+    tree.Add("b", files);
+    tree.Write("My.Paper.PDF", "%PDF");
+    DriverPath *book = tree.Added("Books/b.epub");
     EXPECT_EQ(book->from_folder_scan, 1);
-    const std::string location = "location=" + tree.Location("file.epub");
-    EXPECT_THAT(AttributeLines(book),
-                ElementsAre("st_size=" + std::to_string(Archive(files).size()), location,
-                            "media_has_thumb=true", "format=EPUB", "name= A & B\n", "artist=C", "artist=D",
-                            "subject=S", "st_mtime=86400", "album=P"));
-    EXPECT_THAT(AttributeLines(FindChild(book, "thumb")),
-                ElementsAre(location, "cover-image-path=iTunesArtwork"));
-
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("folder.epub"), &book), 0);
-    EXPECT_EQ(AttributeLines(book)[0], "is_directory=true");
-    EXPECT_EQ(FindAttribute(book, "album"), "P");
-    EXPECT_EQ(AttributeLines(FindChild(book, "thumb"))[0], "is_directory=true");
+    const std::string told = " name= A & B artist=C artist=D subject=S st_mtime=86400 album=P\n";
+    std::string location = "location=" + tree.Location("Books/b.epub");
+    EXPECT_EQ(TreeText(book, "b"), "b 4 5 50 st_size=" + std::to_string(Archive(files).size()) + " " +
+                                       location + " media_has_thumb=true format=EPUB" + told +
+                                       "b/thumb 1 4 43 " + location + " cover-image-path=iTunesArtwork\n");
+    location = "is_directory=true location=" + tree.Location("folder/b.epub");
+    EXPECT_THAT(TreeText(tree.Added("folder/b.epub"), "b"),
+                testing::StartsWith("b 4 5 50 " + location + " media_has_thumb=true format=EPUB" + told +
+                                    "b/thumb 1 4 43 " + location + " cover"));
+    EXPECT_EQ(TreeText(tree.Added("My.Paper.PDF"), "b"),
+              "b 4 5 50 st_size=4 location=" + tree.Location("My.Paper.PDF") +
+                  " media_has_thumb=true format=PDF name=My.Paper\nb/thumb 1 4 43 location=" +
+                  tree.Location("My.Paper.PDF") + "\n");
     // Of all that was extracted only folders are left.
     for (const auto &entry : fs::recursive_directory_iterator(tree.folder.path() / "temp"))
         EXPECT_TRUE(entry.is_directory()) << entry.path();
-}
-
-TEST(AddLocalBook, TakesAnyBookFileAndRefusesTheRest) {
-    BookTree tree;
-    tree.Write("My.Paper.PDF", "%PDF");
-    tree.Write("b.txt", "x");
-    DriverPath *book = nullptr;
-    ASSERT_EQ(AddLocalBook(tree.books, tree.Location("My.Paper.PDF"), &book), 0);
-    EXPECT_EQ(FindChild(tree.books, "My.Paper.PDF"), book);
-    EXPECT_THAT(AttributeLines(book), ElementsAre("st_size=4", "location=" + tree.Location("My.Paper.PDF"),
-                                                  "media_has_thumb=true", "format=PDF", "name=My.Paper"));
-    EXPECT_EQ(AddLocalBook(tree.books, tree.Location("b.txt")), -2);
+    EXPECT_EQ(AddLocalBook(tree.books, tree.Write("b.txt", "x")), -2);
     EXPECT_EQ(AddLocalBook(tree.books, tree.Location("gone.epub")), -3);
-    EXPECT_EQ(ChildCount(tree.books), 1);
 }
 
-TEST(ScanBooks, ListsWhatTheLibraryDoesNotAndTheSameAgain) {
-    MediaTree tree;
-    EXPECT_EQ(ScanBooks(&tree.driver), 0);
-    ASSERT_NE(tree.At({"Books"}), nullptr) << "made without any book";
-    DriverPath *known = tree.AddTrack("7", "");
-    const std::string path = (tree.folder.path() / "media/books/Known.epub").string();
-    AddAttribute(known, "location", path.substr(1).c_str());
-    BareTree::Hold(tree.At({"Books"}), "7.epub", known);
-    tree.Write("Books/Known.epub", Archive(Epub("p.opf", Package("<dc:title>K</dc:title>", ""))));
-    tree.Write("Books/sub/deep.epub/B.EPUB", Archive(Epub("p.opf", Package("<dc:title>B</dc:title>", ""))));
-    tree.Write("Books/sub/c.pdf", "%PDF");
-    tree.Write("Books/song.mp3", "x");
-    const CapturedLog log;
-    EXPECT_EQ(ScanBooks(&tree.driver), 0);
-    const std::string first = TreeText(tree.At({"Books"}), "Books");
-    EXPECT_EQ(ChildCount(tree.At({"Books"})), 3) << first;
-    EXPECT_EQ(FindAttribute(tree.At({"Books", "B.EPUB"}), "name"), "B");
-    RemoveScannedEntries(&tree.driver);
-    EXPECT_EQ(ChildCount(tree.At({"Books"})), 1);
-    EXPECT_EQ(ScanBooks(&tree.driver), 0);
-    EXPECT_EQ(TreeText(tree.At({"Books"}), "Books"), first);
-    EXPECT_THAT(log.lines(), testing::Each(testing::HasSubstr("manifest")))
-        << "the empty ones have a manifest";
-    LibraryDriver without_tree;
-    EXPECT_EQ(ScanBooks(&without_tree), -1);
+TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
+    BookTree tree;
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "<package>";
+    const std::string huge(70 << 20, ' ');
+    tree.Add("deep container", {{"META-INF/container.xml", deep}});
+    tree.Add("deep package", Epub("p.opf", deep));
+    tree.Add("huge container", {{"META-INF/container.xml", huge}});
+    tree.Add("huge package", Epub("p.opf", Titled("H" + huge)));
+    tree.Write("Books/no archive.epub", "PK\3\4");
+    tree.Write("Books/empty.epub", "");
+    tree.ExpectBare(
+        {"deep container", "deep package", "huge container", "huge package", "no archive", "empty"});
+    EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/deep container.epub")), "none");
+    const auto line = [&](const Limit &limit, const std::string &file) {
+        return "[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" +
+               tree.Location(file + ".epub") + "\"";
+    };
+    EXPECT_THAT(tree.log.lines(),
+                testing::UnorderedElementsAre(testing::HasSubstr("Failed to parse xml file: \""),
+                                              line(limits::kXmlDepth, "Books\\deep container"),
+                                              line(limits::kXmlDepth, "Books\\deep package"),
+                                              line(limits::kXmlDepth, "folder/deep container"),
+                                              line(limits::kZipExpansion, "Books\\huge container"),
+                                              line(limits::kZipExpansion, "Books\\huge package")));
 }
+
+// An archive may hold entries of such names; the temporary copy that the book speaks of lies elsewhere.
+TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
+    BookTree tree;
+    const std::string victim = Titled("Victim", CoverItemXml("v", ""));
+    const fs::path &top = tree.folder.path();
+    for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
+        tree.folder.Write(name, victim);
+    std::vector<std::string> books = {"page", "linked"};
+    const std::vector<std::string> names = {
+        "../victim", "..\\victim", "x/../../../victim",      "../vict.m", ".*", ".", "..", "/", "",
+        "(a+)+$",    "victim&#0;", (top / "victim").string()};
+    for (const std::string &name : names) {
+        // As a pattern, "../victim" matches the one that has its place.
+        Files files = {{"META-INF/container.xml", Container(name)},
+                       {std::string(50, 'a') + "b", "x"},
+                       {"ab/victim", Titled("E")}};
+        if (!name.empty()) files.emplace(name, Titled("E"));
+        books.push_back("bad" + std::to_string(books.size()));
+        tree.Write("Books/" + books.back() + ".epub", Archive(files));
+    }
+    tree.Add("page", Epub("p.opf", Package("", CoverItemXml("../victim", "application/xhtml+xml"))));
+    // A folder below the temporary one that someone else has put there.
+    fs::create_directory_symlink(top / "elsewhere", top / "temp/linked.epub");
+    tree.Add("linked", Epub("p.opf", Titled("L")));
+    tree.ExpectBare(books);
+    for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
+        EXPECT_EQ(ReadWholeFile(top / name), victim);
+    EXPECT_EQ(std::distance(fs::directory_iterator(top), {}), 4);
+}
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
     const TempFolder folder;
     using namespace std::string_literals;
-    const struct {
-        std::string bytes;
-        int32_t result;
+    const std::string longest(limits::kTextFileBytes.value, 'x');
+    // The text, or the number of the error.
+    const auto read = [&](const std::string &bytes) {
         std::string text;
-    } rows[] = {
-        {"\xFF\xFE\xE9\0x"s, 0, "\xC3\xA9"},
-        {"\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s, 0, "\xC3\xA9\xF0\x9F\x98\x80"},
-        {"\xFF\xFE\0\xD8"s, -3, ""},
-        {"\xEF\xBB\xBF\xC3", 0, "\xC3"},
-        {"\xEF\xBB", -2, ""},
-        {"\xEF\xBBx", -2, ""},
-        {"\xEF\xBB\xBF", -3, ""},
-        {"", -3, ""},
-        {"\xC3\xA9", 0, "\xC3\xA9"},
-        {"\xE9", 0, "\xE9"},
-        {std::string(limits::kTextFileBytes.value + 1, 'x'), -3, ""},
+        const int32_t result = ReadTextFileAsUtf8(folder.Write("t", bytes).string(), text);
+        return result == 0 ? text : std::to_string(result);
     };
-    for (const auto &row : rows) {
-        std::string text;
-        const std::string path = folder.Write("t", row.bytes).string();
-        EXPECT_EQ(ReadTextFileAsUtf8(path, text), row.result) << row.bytes.substr(0, 9);
-        EXPECT_EQ(text, row.text);
-    }
+    const Pairs rows = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
+                        {"\xFF\xFE\0\xD8"s, "-3"},
+                        {"\xEF\xBB\xBF\xC3", "\xC3"},
+                        {"\xEF\xBB", "-2"},
+                        {"\xEF\xBBx", "-2"},
+                        {"\xEF\xBB\xBF", "-3"},
+                        {"", "-3"},
+                        {"\xC3\xA9", "\xC3\xA9"},
+                        {"\xE9", "\xE9"}};
+    for (const auto &[bytes, text] : rows)
+        EXPECT_EQ(read(bytes), text);
+    EXPECT_EQ(read("\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s), "\xC3\xA9\xF0\x9F\x98\x80");
+    EXPECT_TRUE(read(longest) == longest);
+    EXPECT_EQ(read(longest + "x"), "-3");
     std::string text;
     EXPECT_EQ(ReadTextFileAsUtf8((folder.path() / "gone").string(), text), -1);
 }

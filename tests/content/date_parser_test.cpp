@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "tests/support/scoped_zone.h"
 
@@ -10,30 +12,24 @@ namespace {
 
 constexpr const char *kBookFormat = "%Y-%m-%dT%H:%M:%S%z";
 constexpr int64_t kDay = 86400;
+constexpr int64_t kApril5 = 15435 * kDay;
+
+using Times = std::vector<std::pair<std::string, int64_t>>;
 
 TEST(ParseTimeStamp, FieldsBeforeTheFirstMismatchCountAndZonesDoNot) {
     const ScopedZone zone("UTC");
-    constexpr int64_t kApril5 = 15435 * kDay;
-    const struct {
-        std::string text;
-        int64_t seconds;
-    } rows[] = {
-        {"2012-04-05T10:20:30Z", kApril5 + 37230},
-        {"2012-04-05T10:20:30+08:00", kApril5 + 37230},
-        {" 2012-04-05", kApril5},
-        {"2012-04-35", kApril5 + 30 * kDay},
-        {"2012-04", kApril5 - 5 * kDay},
-        {"2012", 15339 * kDay},
-        {"2012-", 15339 * kDay},
-        {"April 2012", -1},
-        {"", -1},
-        {"-", -1},
-        {"1969-12-31", -1},
-        {"99999999999999999999-99999999999999999999-99999999999999999999", -1},
-        {"-99999999999999999999--99999999999999999999", -1},
-    };
-    for (const auto &row : rows)
-        EXPECT_EQ(ParseTimeStamp(row.text, kBookFormat), row.seconds) << row.text;
+    const Times rows = {{" 2012-04-05", kApril5},
+                        {"2012-04-35", kApril5 + 30 * kDay},
+                        {"2012-04", kApril5 - 5 * kDay},
+                        {"2012-", 15339 * kDay},
+                        {"April 2012", -1},
+                        {"-", -1},
+                        {"1969-12-31", -1}};
+    EXPECT_EQ(ParseTimeStamp("2012-04-05T10:20:30+08:00", kBookFormat), kApril5 + 37230);
+    EXPECT_EQ(ParseTimeStamp("99999999999999999999-99999999999999999999", kBookFormat), -1);
+    EXPECT_EQ(ParseTimeStamp("-99999999999999999999--99999999999999999999", kBookFormat), -1);
+    for (const auto &[text, seconds] : rows)
+        EXPECT_EQ(ParseTimeStamp(text, kBookFormat), seconds) << text;
     const ScopedZone west("XST5");
     EXPECT_EQ(ParseTimeStamp("2012-04-05T10:20:30Z", kBookFormat), kApril5 + 37230 + 5 * 3600);
 }
@@ -51,21 +47,19 @@ std::string Parse(const std::string &text, const std::string &format) {
 }
 
 TEST(ParseTimeFields, ReadsEveryConversion) {
-    EXPECT_EQ(Parse("69 5", "%y %e"), "169 0 5 0 0 0 0 0 ''");
-    EXPECT_EQ(Parse("70", "%y"), "70 0 0 0 0 0 0 0 ''");
-    EXPECT_EQ(Parse("20 366 7", "%C %j %u"), "100 0 0 0 0 0 6 365 ''");
-    EXPECT_EQ(Parse("12:05:06 pm", "%r"), "0 0 0 12 5 6 0 0 ''");
-    EXPECT_EQ(Parse("12 am", "%I %p"), "0 0 0 0 0 0 0 0 ''");
-    EXPECT_EQ(Parse("5 am", "%l %p"), "0 0 0 17 0 0 0 0 ''");
-    EXPECT_EQ(Parse("Tuesday", "%a"), "0 0 0 0 0 0 2 0 'sday'");
-    EXPECT_EQ(Parse("Mayor", "%B"), "0 4 0 0 0 0 0 0 'or'");
-    EXPECT_EQ(Parse("may", "%h"), "0 0 0 0 0 0 0 0 null");
-    EXPECT_EQ(Parse("12/31/99x", "%D"), "99 11 31 0 0 0 0 0 'x'");
-    EXPECT_EQ(Parse("%\n\t   7", "%%%n%t %Od"), "0 0 7 0 0 0 0 0 ''");
-    EXPECT_EQ(Parse("%1 xz2", "%z%w %z%M"), "0 0 0 0 2 0 1 0 ''");
+    const std::tuple<const char *, const char *, const char *> rows[] = {
+        {"69 5 366 2 12:05:06 pm", "%y %e %j %w %r", "169 0 5 12 5 6 2 365 ''"},
+        {"20 7 12 am", "%C %u %I %p", "100 0 0 0 0 0 6 0 ''"},
+        {"Tuesday 70 5 am", "%asday %y %l %p", "70 0 0 17 0 0 2 0 ''"},
+        {"Mayor", "%B", "0 4 0 0 0 0 0 0 'or'"},
+        {"may", "%h", "0 0 0 0 0 0 0 0 null"},
+        {"12/31/99x", "%D", "99 11 31 0 0 0 0 0 'x'"},
+        {"%\n\t   7%1 xz2", "%%%n%t %Od%z%w %z%M", "0 0 7 0 2 0 1 0 ''"},
+        {"99999999999 99999999999 pm", "%C %H %p", "2147483647 0 0 2147483647 0 0 0 0 ''"}};
+    for (const auto &[text, format, fields] : rows)
+        EXPECT_EQ(Parse(text, format), fields);
     for (const char *format : {"%d", "%p", "%z", "%E", "%n", "%A", "%"})
         EXPECT_EQ(Parse("", format), "0 0 0 0 0 0 0 0 null") << format;
-    EXPECT_EQ(Parse("99999999999 99999999999 pm", "%C %H %p"), "2147483647 0 0 2147483647 0 0 0 0 ''");
 }
 
 }  // namespace

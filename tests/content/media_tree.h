@@ -56,9 +56,10 @@ struct MediaTree : BareTree {
         driver.add_folder = Location("Automatically Add to iTunes");
     }
 
-    // Both take a path below the media folder.
-    void Write(const std::string &name, std::string_view bytes) const {
+    // Both take a path below the media folder and give it as a location.
+    std::string Write(const std::string &name, std::string_view bytes) const {
         folder.Write("media/" + name, bytes);
+        return Location(name);
     }
     std::string Location(const std::string &name) const {
         return BackslashPath(folder.path() / "media" / name);
