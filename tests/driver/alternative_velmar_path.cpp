@@ -1,14 +1,11 @@
 // Another host's container library: it keeps the promises of the twelve operations and not one more. Handles
 // are numbers, results that nobody may read are odd, and texts move at every change of their container.
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <map>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "platform/velmar_path/velmar_path.h"
@@ -18,69 +15,45 @@ namespace {
 constexpr int32_t kUnreadResult = 41;
 constexpr int32_t kAbsent = 17;
 
-// Texts of a container, copied to a new place at each change; the old place is scribbled over before it goes.
-struct Attributes {
-    struct Item {
-        std::string key;
-        std::unique_ptr<char[]> value;
-        size_t bytes = 0;
-    };
-    std::vector<Item> items;
-
-    static std::unique_ptr<char[]> Copy(const char *text, size_t bytes) {
-        auto copy = std::make_unique<char[]>(bytes);
-        std::memcpy(copy.get(), text, bytes);
-        return copy;
-    }
-    void MoveTexts() {
-        for (Item &item : items) {
-            auto moved = Copy(item.value.get(), item.bytes);
-            std::memset(item.value.get(), '#', item.bytes - 1);
-            item.value = std::move(moved);
-        }
-    }
-    Item *Find(const char *key) {
-        for (Item &item : items) {
-            if (item.key == key) return &item;
-        }
-        return nullptr;
-    }
-    void Set(const char *key, const char *value) {
-        auto copy = Copy(value, std::strlen(value) + 1);
-        MoveTexts();
-        Item *item = Find(key);
-        if (item == nullptr) item = &items.emplace_back(Item{key, nullptr, 0});
-        item->value = std::move(copy);
-        item->bytes = std::strlen(item->value.get()) + 1;
-    }
+struct Item {
+    std::string key;
+    std::vector<char> value;
 };
+using Items = std::vector<Item>;
 
-template <typename Container, typename Handle>
-class Registry {
-  public:
-    Handle *Add() {
-        const std::lock_guard lock(mutex_);
-        const uintptr_t number = next_ += 2;  // odd, so that a cast behind a handle goes wrong
-        containers_[number] = std::make_unique<Container>();
-        return reinterpret_cast<Handle *>(number);
+Item *Find(Items &items, const std::string &key) {
+    for (Item &item : items) {
+        if (item.key == key) return &item;
     }
-    Container &At(Handle *handle) {
-        const std::lock_guard lock(mutex_);
-        return *containers_.at(reinterpret_cast<uintptr_t>(handle));
-    }
-    void Remove(Handle *handle) {
-        const std::lock_guard lock(mutex_);
-        containers_.erase(reinterpret_cast<uintptr_t>(handle));
-    }
+    return nullptr;
+}
 
-  private:
-    std::mutex mutex_;
-    uintptr_t next_ = 4097;
-    std::unordered_map<uintptr_t, std::unique_ptr<Container>> containers_;
-};
+// Texts are copied to a new place at each change; the old place is scribbled over before it goes.
+int32_t Set(Items &items, const char *key, const char *value) {
+    const std::vector<char> copy(value, value + std::strlen(value) + 1);
+    for (Item &item : items) {
+        std::vector<char> moved(item.value);
+        std::fill(item.value.begin(), item.value.end() - 1, '#');
+        item.value = std::move(moved);
+    }
+    Item *item = Find(items, key);
+    if (item == nullptr) item = &items.emplace_back(Item{key, {}});
+    item->value = copy;
+    return kUnreadResult;
+}
 
-Registry<std::vector<void *>, VelmarArray> arrays;
-Registry<Attributes, VelmarAttribute> attributes;
+// One thread at a time calls these operations.
+std::unordered_map<const void *, std::vector<void *>> arrays;
+std::unordered_map<const void *, Items> attributes;
+
+template <typename Containers, typename Handle>
+int32_t Add(Containers &containers, Handle **handle) {
+    static uintptr_t last = 4097;
+    // Odd, so that a cast behind a handle goes wrong.
+    *handle = reinterpret_cast<Handle *>(last += 2);
+    containers[*handle];
+    return kUnreadResult;
+}
 
 VelmarLogHandler log_handler = nullptr;
 void *log_context = nullptr;
@@ -88,61 +61,56 @@ void *log_context = nullptr;
 }  // namespace
 
 int32_t AllocVelmarArray(VelmarArray **array) {
-    *array = arrays.Add();
-    return kUnreadResult;
+    return Add(arrays, array);
 }
 
 int32_t AddVelmarArrayItem(VelmarArray *array, void *item) {
-    arrays.At(array).push_back(item);
+    arrays.at(array).push_back(item);
     return kUnreadResult;
 }
 
 int32_t GetVelmarArraySize(VelmarArray *array) {
-    return static_cast<int32_t>(arrays.At(array).size());
+    return static_cast<int32_t>(arrays.at(array).size());
 }
 
 int32_t GetVelmarArrayItem(VelmarArray *array, int32_t index, void **item) {
-    const std::vector<void *> &items = arrays.At(array);
+    const std::vector<void *> &items = arrays.at(array);
     if (index < 0 || static_cast<size_t>(index) >= items.size()) return -5;
     *item = items[static_cast<size_t>(index)];
     return 0;
 }
 
 int32_t DeleteVelmarArrayItem(VelmarArray *array, int32_t index) {
-    std::vector<void *> &items = arrays.At(array);
-    items.erase(items.begin() + index);
+    arrays.at(array).erase(arrays.at(array).begin() + index);
     return kUnreadResult;
 }
 
 int32_t FreeVelmarArray(VelmarArray *array) {
-    arrays.Remove(array);
+    arrays.erase(array);
     return kUnreadResult;
 }
 
 int32_t AllocVelmarAttribute(VelmarAttribute **attribute) {
-    *attribute = attributes.Add();
-    return kUnreadResult;
+    return Add(attributes, attribute);
 }
 
 int32_t AddVelmarAttributeItem(VelmarAttribute *attribute, const char *key, const char *value) {
-    attributes.At(attribute).Set(key, value);
-    return kUnreadResult;
+    return Set(attributes.at(attribute), key, value);
 }
 
 int32_t SetVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char *value) {
-    attributes.At(attribute).Set(key, value);
-    return kUnreadResult;
+    return Set(attributes.at(attribute), key, value);
 }
 
 int32_t FindVelmarAttributeValue(VelmarAttribute *attribute, const char *key, const char **value) {
-    const Attributes::Item *item = attributes.At(attribute).Find(key);
+    const Item *item = Find(attributes.at(attribute), key);
     if (item == nullptr) return kAbsent;
-    *value = item->value.get();
+    *value = item->value.data();
     return 0;
 }
 
 int32_t FreeVelmarAttribute(VelmarAttribute *attribute) {
-    attributes.Remove(attribute);
+    attributes.erase(attribute);
     return kUnreadResult;
 }
 
@@ -157,18 +125,6 @@ int32_t WriteVelmarLog(const char *format, ...) {
 }
 
 // What this host's own side needs.
-
-int32_t GetVelmarAttributeSize(VelmarAttribute *attribute) {
-    return static_cast<int32_t>(attributes.At(attribute).items.size());
-}
-
-int32_t GetVelmarAttributeItem(VelmarAttribute *attribute, int32_t index, const char **key,
-                               const char **value) {
-    const Attributes::Item &item = attributes.At(attribute).items.at(static_cast<size_t>(index));
-    *key = item.key.c_str();
-    *value = item.value.get();
-    return 0;
-}
 
 void SetVelmarLogHandler(VelmarLogHandler handler, void *context) {
     log_context = context;

@@ -34,24 +34,20 @@ struct CopyFixture : MediaTree {
     void Put(const char *key, const std::string &value) const {
         AddVelmarAttributeItem(source.source.attributes, key, value.c_str());
     }
-    void TakeStream(const std::string &bytes, int64_t size, const std::string &name) {
-        stream = bytes;
-        source.source_type = 0;
-        source.source_handle = this;
-        source.read_function = Read;
+    void Take(int32_t type, int64_t size, const void *handle) {
+        source.source_type = type;
         source.source_size = size;
-        Put("name", name);
+        source.source_handle = const_cast<void *>(handle);
+    }
+    void TakeStream(const std::string &bytes, int64_t size) {
+        Take(0, size, this);
+        stream = bytes;
+        source.read_function = Read;
     }
     // `path` must outlive the copy.
     void TakeFile(const char *path, int64_t size) {
-        source.source_type = 1;
+        Take(1, size, nullptr);
         source.source_path = path;
-        source.source_size = size;
-    }
-    void TakeMemory(const std::string &bytes) {
-        source.source_type = 2;
-        source.source_handle = const_cast<char *>(bytes.data());
-        source.source_size = static_cast<int64_t>(bytes.size());
     }
 
     int32_t Copy(int32_t chunk = 4) {

@@ -1,216 +1,136 @@
-// One copy after another: what the host is told, and what lies in the folder afterwards.
+// One copy after another: what the host is told, what lies in the folder afterwards, and the end of a batch.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <csignal>
-#include <functional>
-#include <optional>
 
 #include "tests/driver/copy_fixture.h"
 #include "tests/driver/fake_windows.h"
+#include "tests/library/loaded_library.h"
 
 namespace {
 
-using testing::ElementsAre;
 using Files = std::map<std::string, std::string>;
 
-const Files kBystander = {{"kept.mp3", "kept"}};
 const std::string kTen = "0123456789";
 
-// A file system that has room for a few bytes more, as far as this process is concerned.
-class FullDisk {
-  public:
-    explicit FullDisk(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &old_);
-        const rlimit limit{bytes, old_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        old_handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &old_);
-        std::signal(SIGXFSZ, old_handler_);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
+// No file of this process grows beyond some bytes.
+void LimitFiles(rlim_t bytes) {
+    const rlimit limit{bytes, RLIM_INFINITY};
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
-  private:
-    rlimit old_ = {};
-    void (*old_handler_)(int) = nullptr;
-};
-
-// When "ten.mp3" lies in the folder afterwards, with ten bytes.
-enum class Copied { kNever, kUnlessStopped, kAlways };
-
-struct Outcome {
-    const char *name;
-    std::function<void(CopyFixture &)> prepare;
-    std::vector<int32_t> answers;
-    const char *reports;
-    int32_t result;
-    int32_t result_without_callback;
-    Copied copied = Copied::kNever;
-    std::optional<rlim_t> room = {};
-    const char *log = nullptr;
-};
-
-const auto kTakeTen = [](CopyFixture &copy) { copy.TakeStream(kTen, 10, "ten.mp3"); };
-const auto kNamed = [](const char *key, const char *text) {
-    return [=](CopyFixture &copy) {
-        copy.TakeStream(kTen, 10, "");
-        FreeVelmarAttribute(copy.source.source.attributes);
-        AllocVelmarAttribute(&copy.source.source.attributes);
-        copy.Put(key, text);
+TEST(Copy, IsToldAndLeavesNothingHalfWritten) {
+    struct Case {
+        std::vector<int32_t> answers;
+        const char *reports;
+        int32_t result;
+        std::string stream = kTen;
+        int32_t stream_end = 0;
+        rlim_t room = RLIM_INFINITY;
     };
-};
-const auto kFileNamed = [](const char *name) { return [=](CopyFixture &copy) { copy.TakeFile(name, 10); }; };
-const auto kStreamEnd = [](const std::string &bytes, int32_t end) {
-    return [=](CopyFixture &copy) {
-        copy.TakeStream(bytes, 10, "ten.mp3");
-        copy.stream_end = end;
+    const Case kCases[] = {
+        {{0}, "0:0 1:4 1:8 1:10 2:10", 0},
+        {{7}, "0:0 1:4 1:8 1:10", 7},
+        {{7, 7, 7, 0}, "0:0 1:4 1:8 1:10 2:10", 0},
+        // Stopped at the start, in the middle, and behind the last chunk.
+        {{-1}, "0:0", -1},
+        {{2}, "0:0", 2},
+        {{0, 2}, "0:0 1:4", 2},
+        {{0, 0, 0, -1}, "0:0 1:4 1:8 1:10", -1},
+        // A source that ends early, even if the host goes on, that has an error, or gives more than was asked
+        // for.
+        {{0, 0, 0, 8}, "0:0 1:4 1:6 3:6!5", 8, "012345"},
+        {{0}, "0:0 1:4 3:4!5 2:4!5", 0, "0123"},
+        {{0, 0, 6}, "0:0 1:4 3:4!5", 6, "0123", -3},
+        {{0, 0, 6}, "0:0 1:4 3:4!5", 6, "0123", 5},
+        // A full disk, also at the last byte.
+        {{0, 0, 9}, "0:0 1:4 3:4!6", 9, kTen, 0, 6},
+        {{0, 0, 0, 0}, "0:0 1:4 1:8 3:8!6 2:8!6", 0, kTen, 0, 9},
     };
-};
-
-const Outcome kOutcomes[] = {
-    {"complete", kTakeTen, {0}, "0:0 1:4 1:8 1:10 2:10", 0, 0, Copied::kAlways},
-    {"answered", kTakeTen, {7}, "0:0 1:4 1:8 1:10", 7, 0, Copied::kAlways},
-    {"answered0AtTheEnd", kTakeTen, {7, 7, 7, 0}, "0:0 1:4 1:8 1:10 2:10", 0, 0, Copied::kAlways},
-    {"stoppedAtStart", kTakeTen, {-1}, "0:0", -1, 0, Copied::kUnlessStopped},
-    {"cancelledAtStart", kTakeTen, {2}, "0:0", 2, 0, Copied::kUnlessStopped},
-    {"stoppedInTheMiddle", kTakeTen, {0, 2}, "0:0 1:4", 2, 0, Copied::kUnlessStopped},
-    {"stoppedBehindTheLastChunk", kTakeTen, {0, 0, 0, -1}, "0:0 1:4 1:8 1:10", -1, 0, Copied::kAlways},
-    {"noHandle", [](CopyFixture &copy) { copy.source.source_size = 10; }, {9}, "0:0 3:0!2", 9, -1},
-    {"noFile", kFileNamed("/nowhere/ten.mp3"), {0}, "0:0 3:0!2", 0, -1},
-    {"noPath", kFileNamed(nullptr), {0}, "0:0 3:0!2", 0, -1},
-    {"unknownType", [](CopyFixture &copy) { copy.source.source_type = 3; }, {0}, "0:0 3:0!2", 0, -1},
-    {"nameWithSeparators",
-     kNamed("location", "C:\\Music\\ten.mp3"),
-     {0},
-     "0:0 3:0!3",
-     0,
-     0,
-     Copied::kNever,
-     {},
-     "\\C:\\Music\\ten.mp3\" failed"},
-    {"extensionWithSeparator",
-     kNamed("location", "../b.c/.."),
-     {4},
-     "0:0 3:0!3",
-     4,
-     0,
-     Copied::kNever,
-     {},
-     "\\..\" failed"},
-    {"noName", kNamed("artist", "x"), {0}, "0:0 3:0!3", 0, 0, Copied::kNever, {}, "\\\" failed"},
-    {"nameThatWindowsLacks",
-     kNamed("name", "why?"),
-     {5},
-     "0:0 3:0!3",
-     5,
-     0,
-     Copied::kNever,
-     {},
-     "\\why?\" failed"},
-    {"sourceEndsEarly", kStreamEnd("012345", 0), {0, 0, 0, 8}, "0:0 1:4 1:6 3:6!5", 8, 0},
-    {"sourceEndsAndGoesOn", kStreamEnd("0123", 0), {0}, "0:0 1:4 3:4!5 2:4!5", 0, 0},
-    {"sourceGivesAnError", kStreamEnd("0123", -3), {0, 0, 6}, "0:0 1:4 3:4!5", 6, 0},
-    {"sourceGivesTooMuch", kStreamEnd("0123", 5), {0, 0, 6}, "0:0 1:4 3:4!5", 6, 0},
-    {"diskFull", kTakeTen, {0, 0, 9}, "0:0 1:4 3:4!6", 9, 0, Copied::kNever, 6},
-    {"diskFullAtLastByte", kTakeTen, {0, 0, 0, 0}, "0:0 1:4 1:8 3:8!6 2:8!6", 0, 0, Copied::kNever, 9},
-};
-
-class CopyOutcome : public testing::TestWithParam<Outcome> {};
-
-TEST_P(CopyOutcome, IsToldAndLeavesNothingHalfWritten) {
-    for (const bool with_callback : {true, false}) {
-        const Outcome &outcome = GetParam();
-        CopyFixture copy;
-        copy.folder.Write(std::string(CopyFixture::kFolder) + "/kept.mp3", "kept");
-        outcome.prepare(copy);
-        copy.answers = outcome.answers;
-        int32_t result = 0;
-        {
-            std::optional<FullDisk> disk;
-            if (outcome.room) disk.emplace(*outcome.room);
-            StartPathCopy(&copy.driver, 0, with_callback ? CopyFixture::Report : nullptr, &copy, 4);
-            result = CopyDriverPath(&copy.driver, 0, "library/music", &copy.source);
-        }
-        EXPECT_EQ(result, with_callback ? outcome.result : outcome.result_without_callback);
-        EXPECT_EQ(copy.reports, with_callback ? outcome.reports : "");
-        Files expected = kBystander;
-        const bool copied =
-            with_callback ? outcome.copied == Copied::kAlways : outcome.copied != Copied::kNever;
-        if (copied) expected["ten.mp3"] = kTen;
-        EXPECT_EQ(copy.Files(), expected);
-        const auto &lines = copy.log.lines();
-        ASSERT_EQ(lines.size(), outcome.log == nullptr ? 0u : 1u);
-        if (outcome.log != nullptr) {
-            EXPECT_THAT(lines[0], testing::EndsWith(outcome.log));
+    for (const auto &[answers, reports, result, stream, stream_end, room] : kCases) {
+        for (const bool has_callback : {true, false}) {
+            SCOPED_TRACE(testing::Message() << reports << " answered by " << answers.back());
+            CopyFixture copy;
+            copy.Write("Automatically Add to iTunes/kept.mp3", "kept");
+            copy.TakeStream(stream, 10);
+            copy.Put("name", "ten.mp3");
+            copy.stream_end = stream_end;
+            copy.answers = answers;
+            StartPathCopy(&copy.driver, 0, has_callback ? CopyFixture::Report : nullptr, &copy, 4);
+            LimitFiles(room);
+            const int32_t own_result = CopyDriverPath(&copy.driver, 0, "library/music", &copy.source);
+            LimitFiles(RLIM_INFINITY);
+            EXPECT_EQ(own_result, has_callback ? result : 0);
+            EXPECT_EQ(copy.reports, has_callback ? reports : "");
+            Files expected = {{"kept.mp3", "kept"}};
+            // It is there if the host has been told of all bytes, or if nobody could stop the copy.
+            const std::string told = reports;
+            const bool is_there =
+                has_callback ? told.find(" 1:10") != told.npos : told.find('!') == told.npos;
+            if (is_there) expected["ten.mp3"] = kTen;
+            EXPECT_EQ(copy.Files(), expected);
+            EXPECT_TRUE(copy.log.lines().empty());
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, CopyOutcome, testing::ValuesIn(kOutcomes),
-                         [](const auto &outcome) { return std::string(outcome.param.name); });
+TEST(Copy, NeedsASourceAndANameThatWindowsCouldHold) {
+    for (const auto &[type, path] :
+         {std::pair(0, "x"), {1, "/nowhere/ten.mp3"}, {1, nullptr}, {2, "x"}, {3, "x"}}) {
+        CopyFixture copy;
+        copy.TakeFile(path, 10);
+        copy.source.source_type = type;
+        copy.answers = {9};
+        EXPECT_EQ(copy.Copy(), 9) << type;
+        EXPECT_EQ(copy.reports, "0:0 3:0!2") << type;
+        StartPathCopy(&copy.driver, 0, nullptr, nullptr, 4);
+        EXPECT_EQ(CopyDriverPath(&copy.driver, 0, "", &copy.source), -1) << type;
+    }
+    // The part of the location that becomes the name.
+    for (const auto &[location, name] :
+         {std::pair("C:\\t.mp3", "C:\\t.mp3"), {"b.c/..", ".."}, {"a/", ""}, {"why?", "why?"}}) {
+        CopyFixture copy;
+        copy.TakeStream(kTen, 10);
+        copy.Put("location", location);
+        copy.answers = {4};
+        EXPECT_EQ(copy.Copy(), 4) << location;
+        EXPECT_EQ(copy.reports, "0:0 3:0!3") << location;
+        EXPECT_TRUE(copy.log.lines().at(0).ends_with(std::string("\\") + name + "\" failed")) << location;
+        EXPECT_EQ(copy.Files(), Files());
+    }
+}
 
 TEST(Copy, EachSourceGivesItsNameAndItsBytes) {
     CopyFixture copy;
     const std::string file = copy.folder.Write("source/a b.m4a", kTen).string();
-    copy.TakeFile(file.c_str(), 10);
-    EXPECT_EQ(copy.Copy(), 0);
+    const auto check = [&copy](int32_t chunk, const char *reports) {
+        EXPECT_EQ(copy.Copy(chunk), 0);
+        EXPECT_EQ(copy.reports, reports);
+    };
     // Only as many bytes as the host has said, though the file has more.
     copy.TakeFile(file.c_str(), 5);
-    EXPECT_EQ(copy.Copy(4), 0);
-    EXPECT_EQ(copy.reports, "0:0 1:4 1:5 2:5");
+    check(4, "0:0 1:4 1:5 2:5");
     copy.TakeFile(file.c_str(), 0);
-    EXPECT_EQ(copy.Copy(), 0);
-    EXPECT_EQ(copy.reports, "0:0 2:0");
-
-    copy.TakeStream(kTen, 0, "AC/DC: \"Live\" <1>|*\\");
+    check(4, "0:0 2:0");
+    copy.TakeStream(kTen, 0);
+    copy.Put("name", "AC/DC: \"Live\" <1>|*\\");
     copy.Put("location", "/x/y.z.m4a");
     copy.Put("st_size", "10");
-    EXPECT_EQ(copy.Copy(INT32_MAX), 0);
-    EXPECT_EQ(copy.reports, "0:0 1:10 2:10");
-
-    const std::string block = kTen + kTen;
-    copy.TakeMemory(block);
-    EXPECT_EQ(copy.Copy(16), 0);
-    EXPECT_EQ(copy.reports, "0:0 1:16 1:20 2:20");
-    char block_name[64];
-    std::snprintf(block_name, sizeof block_name, "%p.mpg", static_cast<const void *>(block.data()));
-    EXPECT_EQ(copy.Files(), (Files{{"a b.m4a", kTen},
-                                   {"a b1.m4a", "01234"},
-                                   {"a b2.m4a", ""},
-                                   {"AC_DC_ _Live_ _1____.m4a", kTen},
-                                   {block_name, block}}));
-}
-
-TEST(Copy, WorksOutsideOfABatchInChunksOf1024) {
-    CopyFixture copy;
-    const std::string bytes(3000, 'x');
-    copy.TakeMemory(bytes);
-    for (const int32_t chunk : {0, -5}) {
-        EXPECT_EQ(copy.Copy(chunk), 0);
-        EXPECT_EQ(copy.reports, "0:0 1:1024 1:2048 1:3000 2:3000");
-    }
-    CopyFixture fresh;
-    fresh.TakeMemory(bytes);
-    EXPECT_EQ(CopyDriverPath(&fresh.driver, 0, "", &fresh.source), 0);
-    EXPECT_EQ(fresh.Files().size(), 1u);
-}
-
-TEST(Copy, RefusesWrongArgumentsWithoutACall) {
-    CopyFixture copy;
-    StartPathCopy(&copy.driver, 0, CopyFixture::Report, &copy, 4);
-    EXPECT_EQ(CopyDriverPath(nullptr, 0, "", &copy.source), -1);
-    EXPECT_EQ(CopyDriverPath(&copy.driver, 0, nullptr, &copy.source), -1);
-    EXPECT_EQ(CopyDriverPath(&copy.driver, 1, "", nullptr), -1);
-    EXPECT_EQ(CopyDriverPath(&copy.driver, 1, "", &copy.source), -1);
-    EXPECT_EQ(copy.reports, "");
-    EXPECT_THAT(copy.log.lines(), ElementsAre("[iTunes] Local driver is not available",
-                                              "[iTunes] Local driver path is not available",
-                                              "[iTunes] Copy source info is not available",
-                                              "[iTunes] Local driver device index is not zero"));
+    check(INT32_MAX, "0:0 1:10 2:10");
+    const std::string block(3000, 'x');
+    copy.Take(2, 3000, block.data());
+    check(1600, "0:0 1:1600 1:3000 2:3000");
+    // A chunk of no size is of 1024 bytes.
+    check(0, "0:0 1:1024 1:2048 1:3000 2:3000");
+    check(-5, "0:0 1:1024 1:2048 1:3000 2:3000");
+    const std::string stem = testing::PrintToString(static_cast<const void *>(block.data()));
+    Files expected = {{"a b.m4a", "01234"}, {"a b1.m4a", ""}, {"AC_DC_ _Live_ _1____.m4a", kTen}};
+    for (const char *ending : {".mpg", "1.mpg", "2.mpg"})
+        expected[stem + ending] = block;
+    EXPECT_EQ(copy.Files(), expected);
 }
 
 TEST(Copy, OfAnApplicationDeletesItsOtherFiles) {
@@ -222,26 +142,43 @@ TEST(Copy, OfAnApplicationDeletesItsOtherFiles) {
     copy.Write("Mobile Applications/old.ipa", app("com.a"));
     copy.Write("Mobile Applications/OTHER.ipa", app("com.A"));
     copy.Write("Automatically Add to iTunes/GAME.ipa", app("com.a"));
-    const auto listed = [&] {
-        std::vector<std::string> files;
-        for (const auto &entry :
-             std::filesystem::recursive_directory_iterator(copy.folder.path() / "media")) {
-            if (entry.is_regular_file()) files.push_back(entry.path().filename());
-        }
-        return files;
-    };
     const FakeWindows windows;
     FinishPathCopy(&copy.driver, 0);
     const std::string file = copy.folder.Write("game.IPA", app("com.a")).string();
-    const int64_t size = static_cast<int64_t>(std::filesystem::file_size(file));
+    copy.TakeFile(file.c_str(), static_cast<int64_t>(app("com.a").size()));
     // A copy that is stopped deletes nothing; one whose bytes were all there counts.
-    copy.TakeFile(file.c_str(), size);
     copy.answers = {0, 2};
     EXPECT_EQ(copy.Copy(), 2);
-    EXPECT_EQ(listed().size(), 3u);
+    EXPECT_EQ(FolderContents(copy.folder.path() / "media").size(), 5u);
     copy.answers = {2 + 1};
     EXPECT_EQ(copy.Copy(), 3);
-    EXPECT_THAT(listed(), testing::UnorderedElementsAre("OTHER.ipa", "game1.IPA"));
+    EXPECT_THAT(copy.Files(), testing::ElementsAre(testing::Key("game1.IPA")));
+    EXPECT_THAT(FolderContents(copy.folder.path() / "media/Mobile Applications"),
+                testing::ElementsAre(testing::Key("OTHER.ipa")));
+}
+
+TEST(FinishPathCopy, ReadsTheLibraryAgainWhereItunesHasAWindowAndTheFoldersAnyway) {
+    LoadedLibrary library([](LibraryXml &xml) { xml.Track("1", {}); });
+    library.Rewrite([](LibraryXml &xml) { xml.Track("2", {}); });
+    using Texts = std::vector<std::string>;
+    const std::pair<std::wstring, Texts> kCases[] = {
+        {L"", {"find ITWindow/iTunes", "sleep 1000"}},
+        {L"ITWindow", {"find ITWindow/iTunes", "front ITWindow", "sleep 1000", "front other", "sleep 2000"}},
+        {L"iTunes", {"front iTunes", "sleep 1000", "front other", "sleep 2000"}}};
+    for (const auto &[window, calls] : kCases) {
+        const FakeWindows windows({window});
+        const std::string tone = std::to_string(calls.size()) + ".m4r";
+        WriteFile(library.place.media_folder / "Ringtones" / tone, "tone");
+        library.driver.copy_callback = CopyFixture::Report;
+        library.driver.copy_chunk_size = 77;
+        EXPECT_EQ(FinishPathCopy(&library.driver, 0), 0);
+        EXPECT_EQ(FakeWindows::calls.at(0), "find iTunes/iTunes");
+        EXPECT_EQ(Texts(FakeWindows::calls.begin() + 1, FakeWindows::calls.end()), calls);
+        EXPECT_EQ(library.NamesUnder("library/music"), window.empty() ? Texts() : Texts{"2"});
+        EXPECT_NE(library.At("library/ringtone/" + tone), nullptr);
+        EXPECT_EQ(library.driver.copy_callback, nullptr);
+        EXPECT_EQ(library.driver.copy_chunk_size, 77);
+    }
 }
 
 }  // namespace

@@ -2,15 +2,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
+#include <limits>
+#include <semaphore>
 #include <thread>
 
 #include "driver/itunes_driver.h"
 #include "tests/driver/open_library.h"
-#include "tests/support/archive_files.h"
 #include "tests/support/artwork_file.h"
 #include "tests/support/collected_log.h"
+#include "tests/support/media_files.h"
 #include "tests/support/sample_library.h"
 #include "tests/support/temp_folder.h"
 
@@ -18,48 +20,28 @@ namespace {
 
 using std::chrono::milliseconds;
 using testing::ElementsAre;
-using testing::Optional;
 
 class Exports : public testing::Test {
   protected:
+    // What reading `count` bytes gives, and how opening the stream of a path ends.
+    std::string Read(int32_t count) {
+        std::string piece(static_cast<size_t>(count), '\0');
+        piece.resize(static_cast<size_t>(ReadDriverStream(stream_, piece.data(), count)));
+        return piece;
+    }
+    int32_t Open(const std::string &path) { return OpenDriverStream(driver_, 0, path.c_str(), &stream_); }
+
     TempFolder folder_;
     LibraryPlace place_ = MakeSampleLibrary(folder_.path());
     ScopedEnvironmentValues environment_{place_.environment};
     CollectedLog log_;
     OpenLibrary library_;
-    LibraryDriver *driver_ = library_.driver();
+    LibraryDriver *driver_ = library_.driver;
+    DriverStream *stream_ = nullptr;
 };
-
-struct Calls {
-    std::atomic<int> count{0};
-    std::atomic<bool> record_is_zero{false};
-    LibraryDriver *to_close = nullptr;
-};
-
-int32_t CountCall(const DriverStartupRecord *record, void *context) {
-    auto *calls = static_cast<Calls *>(context);
-    calls->record_is_zero = (record->words[0] | record->words[1] | record->words[2] | record->words[3]) == 0;
-    ++calls->count;
-    return -7;
-}
-
-int32_t CloseFromCall(const DriverStartupRecord *, void *context) {
-    auto *calls = static_cast<Calls *>(context);
-    UninitializeDriverPath(calls->to_close);
-    ++calls->count;
-    return 0;
-}
-
-bool WaitForCall(const Calls &calls) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (calls.count == 0 && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(milliseconds(5));
-    return calls.count != 0;
-}
 
 TEST_F(Exports, NullHandlesGiveTheResultAndTheMessageOfEachExport) {
     char byte = 0;
-    DriverStream *stream = nullptr;
     const auto check = [&](int32_t result, int32_t expected, const char *message) {
         EXPECT_EQ(result, expected) << message;
         EXPECT_EQ(log_.Last(), message);
@@ -73,228 +55,188 @@ TEST_F(Exports, NullHandlesGiveTheResultAndTheMessageOfEachExport) {
     check(OpenDriverPath(driver_, 0, "", nullptr), -1, "Receive iTunes path address is zero");
     check(StartPathCopy(nullptr, 0, nullptr, nullptr, 0), -1, "Local driver is not available");
     check(FinishPathCopy(nullptr, 0), -1, "Local driver is not available");
-    check(CopyDriverPath(driver_, 0, "library", nullptr), -1, "Copy source info is not available");
-    check(OpenDriverStream(nullptr, 0, "", &stream), -1, "Local driver is not available");
-    check(OpenDriverStream(driver_, 0, nullptr, &stream), -1, "Local driver path is not available");
+    CopySourceInfo source = {};
+    check(CopyDriverPath(nullptr, 0, "", &source), -1, "Local driver is not available");
+    check(CopyDriverPath(driver_, 0, nullptr, &source), -1, "Local driver path is not available");
+    check(CopyDriverPath(driver_, 1, "", nullptr), -1, "Copy source info is not available");
+    check(CopyDriverPath(driver_, 1, "", &source), -1, "Local driver device index is not zero");
+    check(OpenDriverStream(nullptr, 0, "", &stream_), -1, "Local driver is not available");
+    check(OpenDriverStream(driver_, 0, nullptr, &stream_), -1, "Local driver path is not available");
     check(OpenDriverStream(driver_, 0, "", nullptr), -1, "Receive local stream address is zero");
-    check(OpenDriverStream(driver_, 1, "", &stream), -1, "iTunes driver device index is not zero");
+    check(OpenDriverStream(driver_, 1, "", &stream_), -1, "iTunes driver device index is not zero");
     check(CloseDriverStream(nullptr), 1, "iTunes stream is not available");
     check(ReadDriverStream(nullptr, &byte, 1), 1, "iTunes stream is not available");
     check(WriteDriverStream(nullptr, &byte, 1), 1, "iTunes stream is not available");
     check(SeekDriverStream(nullptr, 0, 0), 1, "iTunes stream is not available");
+    // Streams that cannot open say why, in lines of 511 bytes at most.
+    check(Open("library/no"), -1, "Open iTunes path \"library/no\" failed");
+    check(Open("%s%n%d"), -1, "Open iTunes path \"%s%n%d\" failed");
+    check(Open("library"), -1, "iTunes path \"library\" has no \"location\" attribute");
+    check(Open("library/music/107.mp3"), -1, "iTunes file stream \"library/music/107.mp3\"open failed");
+    for (const size_t excess : {0u, 1u, 700u}) {
+        const std::string path(511 - 35 + excess, 'x');
+        EXPECT_EQ(Open(path), -1);
+        EXPECT_EQ(log_.Lines().back(), ("[iTunes] Open iTunes path \"" + path + "\" failed").substr(0, 511));
+    }
+    EXPECT_EQ(stream_, nullptr);
+    // Had the failed opens left their paths open, the first texts would still stand.
+    EXPECT_STREQ(OpenedPath(driver_, "library/").Info().open_path, "library/");
+    EXPECT_STREQ(OpenedPath(driver_, "library/music/107.mp3/").Info().open_path, "library/music/107.mp3/");
 }
 
-TEST_F(Exports, TheTreeHasItsFixedShape) {
+TEST_F(Exports, TheTreeIsWalkedByExactTexts) {
     ASSERT_EQ(library_.result, 0);
+    EXPECT_EQ(OpenedPath(driver_, nullptr).Info().open_path, nullptr);
     const OpenedPath root(driver_, "");
     EXPECT_THAT(root.Numbers(), ElementsAre(0, 0, 0));
     EXPECT_THAT(root.Names(), ElementsAre("library", "genius", "playlist"));
-    EXPECT_THAT(root.Attribute("terminal_type"), Optional(std::string("iTunes")));
-    EXPECT_TRUE(root.Attribute("application_version"));
-    EXPECT_EQ(root.Attribute("persistent_id")->size(), 16u);
-
-    const OpenedPath library(driver_, "library");
-    EXPECT_THAT(library.Numbers(), ElementsAre(1, 1, 1));
-    EXPECT_THAT(library.Names(),
-                testing::IsSupersetOf({"music", "movie", "tvshow", "podcast", "book", "Purchased"}));
-    EXPECT_THAT(OpenedPath(driver_, "library/music").Numbers(), ElementsAre(1, 2, 20));
-    EXPECT_THAT(OpenedPath(driver_, "library/movie").Numbers(), ElementsAre(1, 3, 30));
-    EXPECT_THAT(OpenedPath(driver_, "library/tvshow").Numbers(), ElementsAre(1, 3, 31));
-    EXPECT_THAT(OpenedPath(driver_, "library/podcast").Numbers(), ElementsAre(1, 3, 9));
-    EXPECT_THAT(OpenedPath(driver_, "library/book").Numbers(), ElementsAre(1, 5, 50));
-    EXPECT_THAT(OpenedPath(driver_, "genius/Genius").Numbers(), ElementsAre(1, 1, 12));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/iTunes DJ").Numbers(), ElementsAre(1, 1, 13));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Recently Added").Numbers(), ElementsAre(1, 1, 3));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Rain & Sun").Numbers(), ElementsAre(1, 1, 4));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Rain & Sun").Names(),
-                ElementsAre("101.mp3", "103.mp3", "102.mp3"));
-    // A folder shows its own items and the lists inside it, which have none.
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Road Trip").Names(),
-                ElementsAre("101.mp3", "102.mp3", "104.m4a", "Day One", "Evenings"));
-    EXPECT_THAT(OpenedPath(driver_, "playlist/Road Trip/Evenings/Fireplace").Names(), ElementsAre());
-    EXPECT_EQ(OpenedPath(driver_, "playlist/####!####").get(), nullptr);
-    // The film that only the master list holds comes under "movie" as well.
-    EXPECT_THAT(OpenedPath(driver_, "library/movie").Names(), testing::IsSupersetOf({"110.m4v", "111.m4v"}));
-}
-
-TEST_F(Exports, PathTextsAreWalkedExactly) {
+    EXPECT_EQ(root.Attribute("terminal_type"), "iTunes");
+    EXPECT_THAT(OpenedPath(driver_, "playlist/Road Trip/Evenings/Fireplace").Numbers(), ElementsAre(1, 1, 4));
     for (const char *nowhere : {"Library", "library//music", "/library", "library/musi", "library/music2",
-                                "thumb", "library/music/107.mp3/thumb/small"}) {
+                                "thumb", "library/music/107.mp3/thumb/small", "playlist/####!####"}) {
         auto *path = reinterpret_cast<DriverPath *>(this);
         EXPECT_EQ(OpenDriverPath(driver_, 5, nowhere, &path), -2) << nowhere;
         EXPECT_EQ(path, nullptr) << nowhere;
     }
     EXPECT_EQ(OpenedPath(driver_, "library/").get(), OpenedPath(driver_, "library").get());
-
-    DriverPath *root = nullptr;
-    ASSERT_EQ(OpenDriverPath(driver_, 0, nullptr, &root), 0);
-    DriverPathInfo info = {};
-    ASSERT_EQ(GetDriverPathInfo(root, &info), 0);
-    EXPECT_EQ(info.open_path, nullptr);
-    CloseDriverPath(root);
-}
-
-TEST_F(Exports, ThumbnailsComeFromTheArtworkCache) {
-    EXPECT_THAT(OpenedPath(driver_, "library/music/101.mp3/thumb").Names(),
-                ElementsAre("small", "middle", "large"));
-    for (const char *name : {"small", "middle", "large"}) {
-        const std::string path = std::string("playlist/Rain & Sun/101.mp3/thumb/") + name;
-        const OpenedPath thumbnail(driver_, path.c_str());
-        EXPECT_THAT(thumbnail.Attribute("thumb_type"), Optional(std::string("png")));
-        EXPECT_EQ(StreamBytes(driver_, path, 1000), PngPicture(std::stoi(*thumbnail.Attribute("width"))));
-    }
-}
-
-TEST_F(Exports, ATrackIsOneNodeThatKeepsTheTextOfItsFirstOpen) {
+    // A track is one node, which keeps the text of its first open.
     const OpenedPath first(driver_, "playlist/Rain & Sun/101.mp3");
-    {
-        const OpenedPath second(driver_, "library/music/101.mp3");
-        EXPECT_EQ(first.get(), second.get());
-        EXPECT_STREQ(second.Info().open_path, "playlist/Rain & Sun/101.mp3");
-    }
+    EXPECT_EQ(first.get(), OpenedPath(driver_, "library/music/101.mp3").get());
     EXPECT_STREQ(first.Info().open_path, "playlist/Rain & Sun/101.mp3");
-    EXPECT_EQ(first.Info().reserved4, 0u);
-    EXPECT_EQ(first.Info().reserved7, 0u);
-    EXPECT_THAT(first.Attribute("name"), Optional(std::string("Rain & Thunder")));
-    EXPECT_THAT(first.Attribute("duration"), Optional(std::string("3000")));
+    EXPECT_EQ(first.Info().reserved4 | first.Info().reserved7, 0u);
+    EXPECT_EQ(first.Attribute("name"), "Rain & Thunder");
     EXPECT_EQ(first.Attribute("is_movie"), std::nullopt);
 }
 
-TEST_F(Exports, StreamsGiveTheFilesOfTheirTracks) {
+TEST_F(Exports, AStreamGivesTheFileOfItsTrackAndOutlivesItsDriver) {
     const OpenedPath track(driver_, "library/music/101.mp3");
-    const std::string file = ReadWholeFile("/" + track.Attribute("location").value_or(""));
-    ASSERT_FALSE(file.empty());
-    EXPECT_THAT(StreamBytes(driver_, "library/music/101.mp3", 1000), Optional(file));
-    EXPECT_THAT(track.Attribute("st_size"), Optional(std::to_string(file.size())));
-
-    DriverStream *stream = nullptr;
-    ASSERT_EQ(OpenDriverStream(driver_, 0, "library/music/101.mp3", &stream), 0);
-    char bytes[16] = {};
+    const std::string location = "/" + track.Attribute("location").value_or("");
+    const std::string file = ReadWholeFile(location);
+    EXPECT_EQ(StreamBytes(driver_, "library/music/101.mp3", 1000), file);
+    ASSERT_EQ(OpenDriverStream(OpenLibrary().driver, 0, "library/music/101.mp3", &stream_), 0);
     // A whole file takes any offset, and the driver has no word on it.
-    EXPECT_EQ(SeekDriverStream(stream, 1 << 30, 0), 0);
-    EXPECT_EQ(ReadDriverStream(stream, bytes, 16), 0);
-    EXPECT_EQ(SeekDriverStream(stream, -10, 2), 0);
-    EXPECT_EQ(ReadDriverStream(stream, bytes, 16), 10);
-    EXPECT_EQ(std::string(bytes, 10), file.substr(file.size() - 10));
-    EXPECT_EQ(SeekDriverStream(stream, 3, 0), 0);
-    EXPECT_EQ(SeekDriverStream(stream, 2, 1), 0);
-    EXPECT_EQ(ReadDriverStream(stream, bytes, 4), 4);
-    EXPECT_EQ(std::string(bytes, 4), file.substr(5, 4));
-    EXPECT_EQ(ReadDriverStream(stream, bytes, -1), 0);
-    EXPECT_EQ(WriteDriverStream(stream, bytes, 4), 0);
-    EXPECT_EQ(CloseDriverStream(stream), 0);
-    EXPECT_EQ(ReadWholeFile("/" + *track.Attribute("location")), file);
+    EXPECT_EQ(SeekDriverStream(stream_, 1 << 30, 0), 0);
+    EXPECT_EQ(Read(16), "");
+    EXPECT_EQ(SeekDriverStream(stream_, -10, 2), 0);
+    EXPECT_EQ(Read(16), file.substr(file.size() - 10));
+    EXPECT_EQ(SeekDriverStream(stream_, 3, 0), 0);
+    EXPECT_EQ(SeekDriverStream(stream_, 2, 1), 0);
+    EXPECT_EQ(Read(4), file.substr(5, 4));
+    char bytes[4] = {};
+    EXPECT_EQ(ReadDriverStream(stream_, bytes, -1), 0);
+    EXPECT_EQ(ReadDriverStream(stream_, nullptr, 1), 0);
+    EXPECT_EQ(WriteDriverStream(stream_, bytes, 4), 0);
+    EXPECT_EQ(CloseDriverStream(stream_), 0);
+    EXPECT_EQ(ReadWholeFile(location), file);
 }
 
-TEST_F(Exports, StreamsThatCannotOpenSayWhyAndCloseTheirPath) {
-    DriverStream *stream = nullptr;
-    EXPECT_EQ(OpenDriverStream(driver_, 0, "library/no", &stream), -1);
-    EXPECT_EQ(log_.Last(), "Open iTunes path \"library/no\" failed");
-    EXPECT_EQ(OpenDriverStream(driver_, 0, "library", &stream), -1);
-    EXPECT_EQ(log_.Last(), "iTunes path \"library\" has no \"location\" attribute");
-    EXPECT_EQ(OpenDriverStream(driver_, 0, "library/music/107.mp3", &stream), -1);
-    EXPECT_EQ(log_.Last(), "iTunes file stream \"library/music/107.mp3\"open failed");
-    EXPECT_EQ(stream, nullptr);
-    for (const char *path : {"library", "library/music/107.mp3"}) {
-        // Had the failed open left the path open, its first text would still stand.
-        const OpenedPath again(driver_, (std::string(path) + "/").c_str());
-        EXPECT_EQ(again.Info().open_path, std::string(path) + "/");
+TEST_F(Exports, AThumbnailIsARangeOfItsFile) {
+    EXPECT_THAT(OpenedPath(driver_, "library/music/101.mp3/thumb").Names(),
+                ElementsAre("small", "middle", "large"));
+    // The one in the middle has others before and behind it.
+    const std::string path = "playlist/Rain & Sun/101.mp3/thumb/middle";
+    const OpenedPath thumbnail(driver_, path.c_str());
+    const std::string picture = PngPicture(std::stoi(*thumbnail.Attribute("width")));
+    EXPECT_EQ(StreamBytes(driver_, path, 7), picture);
+    std::string location = *thumbnail.Attribute("location");
+    std::replace(location.begin(), location.end(), '\\', '/');
+    const std::string file = ReadWholeFile(location);
+    const size_t start = file.find(picture);
+    const auto size = static_cast<int64_t>(picture.size());
+    const std::string texts[] = {"size = " + std::to_string(size),
+                                 "range: cur = " + std::to_string(start + 8) + ", offset = " +
+                                     std::to_string(start) + " and size " + std::to_string(size)};
+    ASSERT_EQ(Open(path), 0);
+    constexpr int64_t kFar = std::numeric_limits<int64_t>::max();
+    // An origin, where it counts from at position 8, and offsets.
+    using Case = std::tuple<int32_t, int64_t, std::vector<int64_t>>;
+    // From the start there is no lower limit: the bytes in front of the thumbnail are reached. An unknown
+    // origin is refused by the file, and nobody says so.
+    for (const auto &[origin, base, offsets] :
+         {Case{0, 0, {0, size, -10, size + 1, kFar}}, Case{1, 8, {size - 8, -8, size - 7, -9, kFar, -kFar}},
+          Case{2, size, {0, -size, 1, -size - 1, kFar, -kFar}}, Case{9, 8, {0}}}) {
+        for (const int64_t offset : offsets) {
+            SCOPED_TRACE(std::to_string(offset) + " from " + std::to_string(origin));
+            const bool refused = offset > size - base || (origin != 0 && offset < -base);
+            ASSERT_EQ(SeekDriverStream(stream_, 8, 0), 0);
+            EXPECT_EQ(SeekDriverStream(stream_, offset, origin), refused ? -1 : 0);
+            const std::string refusal = "Seek operation out of thumb " + texts[origin == 1 ? 1 : 0];
+            EXPECT_TRUE(!refused || log_.Last() == refusal) << log_.Last();
+            // A refused seek leaves the position alone.
+            const int64_t at = refused ? 8 : base + offset;
+            const auto left = static_cast<size_t>(std::min<int64_t>(30, size - at));
+            EXPECT_EQ(Read(30), file.substr(start + static_cast<size_t>(at), left));
+        }
     }
+    EXPECT_EQ(CloseDriverStream(stream_), 0);
 }
 
-TEST_F(Exports, AStreamOutlivesItsDriver) {
-    const auto expected = StreamBytes(driver_, "library/music/102.mp3", 4096);
-    LibraryDriver *other = nullptr;
-    ASSERT_EQ(InitializeDriverPath(nullptr, nullptr, 0, &other), 0);
-    DriverStream *stream = nullptr;
-    ASSERT_EQ(OpenDriverStream(other, 0, "library/music/102.mp3", &stream), 0);
-    ASSERT_EQ(UninitializeDriverPath(other), 0);
-    std::string bytes(expected->size(), '\0');
-    EXPECT_EQ(ReadDriverStream(stream, bytes.data(), static_cast<int32_t>(bytes.size())),
-              static_cast<int32_t>(bytes.size()));
-    EXPECT_EQ(bytes, expected);
-    EXPECT_EQ(CloseDriverStream(stream), 0);
-}
-
-TEST_F(Exports, TheCallbackComesOnceAndNotAtOnce) {
-    Calls calls;
+struct Calls {
     LibraryDriver *driver = nullptr;
-    const auto start = std::chrono::steady_clock::now();
-    ASSERT_EQ(InitializeDriverPath(CountCall, &calls, 0, &driver), 0);
-    ASSERT_TRUE(WaitForCall(calls));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(500));
-    EXPECT_TRUE(calls.record_is_zero);
-    EXPECT_EQ(UninitializeDriverPath(driver), 0);
-    EXPECT_EQ(calls.count, 1);
-}
+    bool closes = false;
+    int count = 0;
+    std::binary_semaphore called{0};
 
-TEST_F(Exports, AStopBeforeTheCallbackDropsIt) {
-    Calls calls;
-    for (const int delay : {0, 1, 40}) {
-        LibraryDriver *driver = nullptr;
-        ASSERT_EQ(InitializeDriverPath(CountCall, &calls, 0, &driver), 0);
-        std::this_thread::sleep_for(milliseconds(delay));
-        EXPECT_EQ(UninitializeDriverPath(driver), 0);
+    int32_t Start() { return InitializeDriverPath(Take, this, 0, &driver); }
+    static int32_t Take(const DriverStartupRecord *record, void *context) {
+        auto *calls = static_cast<Calls *>(context);
+        EXPECT_EQ(record->words[0] | record->words[1] | record->words[2] | record->words[3], 0u);
+        if (calls->closes) UninitializeDriverPath(calls->driver);
+        ++calls->count;
+        calls->called.release();
+        return -7;
     }
-    std::this_thread::sleep_for(milliseconds(700));
-    EXPECT_EQ(calls.count, 0);
-}
+};
 
-TEST_F(Exports, TheCallbackMayCloseTheLibrary) {
-    Calls calls;
-    ASSERT_EQ(InitializeDriverPath(CloseFromCall, &calls, 0, &calls.to_close), 0);
-    EXPECT_TRUE(WaitForCall(calls));
-    // The call ends a moment before its thread does.
-    std::this_thread::sleep_for(milliseconds(50));
+TEST_F(Exports, TheCallbackComesOnceAndNotAtOnceAndMayCloseTheLibrary) {
+    Calls stopped;
+    for (const int delay : {0, 1, 40}) {
+        ASSERT_EQ(stopped.Start(), 0);
+        std::this_thread::sleep_for(milliseconds(delay));
+        EXPECT_EQ(UninitializeDriverPath(stopped.driver), 0);
+    }
+    EXPECT_FALSE(stopped.called.try_acquire_for(milliseconds(700)));
+    for (const bool closes : {false, true}) {
+        Calls calls;
+        calls.closes = closes;
+        const auto start = std::chrono::steady_clock::now();
+        ASSERT_EQ(calls.Start(), 0);
+        EXPECT_TRUE(calls.called.try_acquire_for(std::chrono::seconds(20)));
+        EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(500));
+        if (!closes) UninitializeDriverPath(calls.driver);
+        // The call ends a moment before its thread does.
+        std::this_thread::sleep_for(milliseconds(50));
+        EXPECT_EQ(calls.count, 1);
+    }
 }
 
 TEST_F(Exports, ALibraryThatCannotBeOpenedGivesNoHandle) {
-    Calls calls;
-    auto *driver = reinterpret_cast<LibraryDriver *>(this);
-    std::filesystem::remove(place_.library_xml);
-    EXPECT_EQ(InitializeDriverPath(CountCall, &calls, 0, &driver), -999);
-    EXPECT_EQ(driver, reinterpret_cast<LibraryDriver *>(this));
-    const auto lines = log_.Lines();
-    ASSERT_GE(lines.size(), 3u);
-    EXPECT_EQ(lines[lines.size() - 3], "[iTunes] Open iTunes Library file error!");
-    EXPECT_EQ(lines[lines.size() - 2], "[iTunes] Open iTunes Library XML file failed.");
-    EXPECT_EQ(lines[lines.size() - 1], "[iTunes] Create iTunes library failed");
-}
-
-TEST_F(Exports, ALibraryWithoutAddFolderDoesNotLoad) {
+    auto *const before = reinterpret_cast<LibraryDriver *>(this);
+    LibraryDriver *driver = before;
     std::filesystem::remove_all(place_.add_folder);
-    LibraryDriver *driver = nullptr;
     EXPECT_EQ(InitializeDriverPath(nullptr, nullptr, 0, &driver), -1);
     EXPECT_TRUE(
         log_.Has("[iTunes] Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder"));
-}
-
-TEST_F(Exports, LogLinesAreCutAt511BytesAndTakeNoFormatFromTheirText) {
-    DriverStream *stream = nullptr;
-    OpenDriverStream(driver_, 0, "%s%n%d", &stream);
-    EXPECT_EQ(log_.Last(), "Open iTunes path \"%s%n%d\" failed");
-    constexpr size_t kFixed = std::string_view("[iTunes] Open iTunes path \"\" failed").size();
-    for (const size_t excess : {0u, 1u, 700u}) {
-        const std::string path(511 - kFixed + excess, 'x');
-        OpenDriverStream(driver_, 0, path.c_str(), &stream);
-        const std::string line = "[iTunes] Open iTunes path \"" + path + "\" failed";
-        EXPECT_EQ(log_.Lines().back(), line.substr(0, 511));
-    }
+    std::filesystem::remove(place_.library_xml);
+    EXPECT_EQ(InitializeDriverPath(nullptr, nullptr, 0, &driver), -999);
+    EXPECT_EQ(driver, before);
+    EXPECT_TRUE(log_.Has("[iTunes] Open iTunes Library XML file failed."));
+    EXPECT_EQ(log_.Last(), "Create iTunes library failed");
 }
 
 TEST_F(Exports, ACopiedFileShowsInTheTreeWhenTheBatchEnds) {
-    const std::string book = EpubFile({"Copied"}, BookCover::kNone);
+    const std::string film = M4vFile(1, {"Copied", "", "", "", 0, 0});
+    const std::string path = folder_.Write("copied.m4v", film).string();
     CopySourceInfo source = {};
     source.source_type = 1;
-    const std::string path = folder_.Write("copied.epub", book).string();
     source.source_path = path.c_str();
-    source.source_size = static_cast<int64_t>(book.size());
+    source.source_size = static_cast<int64_t>(film.size());
     EXPECT_EQ(StartPathCopy(driver_, 0, nullptr, nullptr, 4096), 0);
-    EXPECT_EQ(CopyDriverPath(driver_, 0, "library/book", &source), 0);
+    EXPECT_EQ(CopyDriverPath(driver_, 0, "library/movie", &source), 0);
     EXPECT_EQ(FinishPathCopy(driver_, 0), 0);
-    EXPECT_THAT(OpenedPath(driver_, "library/book/copied.epub").Attribute("name"),
-                Optional(std::string("Copied")));
-    EXPECT_EQ(StreamBytes(driver_, "library/book/copied.epub", 1000), book);
+    EXPECT_EQ(
+        StreamBytes(driver_, "library/movie/" + OpenedPath(driver_, "library/movie").Names().back(), 1000),
+        film);
 }
 
 }  // namespace

@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <fstream>
-
 #include "bench/growth_cases.h"
 #include "bench/measure.h"
 #include "driver/library_driver.h"
 #include "driver/rescan.h"
 #include "platform/velmar_path/velmar_path.h"
 #include "tests/support/artwork_file.h"
+#include "tests/support/file_writing.h"
 #include "tests/support/generated_library.h"
 #include "tests/support/library_place.h"
 #include "tests/support/media_files.h"
@@ -35,15 +34,13 @@ TEST(Growth, MemoryStaysInProportionToTheInput) {
 }
 
 TEST(Growth, AThousandLoadsLeaveNoMemoryBehind) {
-    constexpr int kCycles = 1000;
     SetVelmarLogHandler([](const char *, void *) {}, nullptr);
     const TempFolder home;
     const LibraryPlace place = MakeLibraryPlace(home.path());
     GenerateLibrary(place.library_xml, {.tracks = 200, .lists = 5, .items = 20});
-    for (const char *name : {"a.mp3", "b.mp3"}) {
-        std::ofstream(place.add_folder / name, std::ios::binary)
-            << Mp3File(1, {"Song", "Artist", "Album", "Rock", 1980, 1, PngPicture(8)});
-    }
+    for (const char *name : {"a.mp3", "b.mp3"})
+        WriteFile(place.add_folder / name,
+                  Mp3File(1, {"Song", "Artist", "Album", "Rock", 1980, 1, PngPicture(8)}));
     const ScopedEnvironmentValues environment(place.environment);
     const auto repeat = [](int count) {
         for (int i = 0; i < count; ++i) {
@@ -53,10 +50,8 @@ TEST(Growth, AThousandLoadsLeaveNoMemoryBehind) {
             DestroyLibrary(&driver);
         }
     };
-    const auto held_after = [&](int count) {
-        return MeasureInChild([&, count] { repeat(count); }).held_bytes;
-    };
-    const double held = held_after(kCycles) - held_after(1);
+    const double held =
+        MeasureInChild([&] { repeat(1000); }).held_bytes - MeasureInChild([&] { repeat(1); }).held_bytes;
     EXPECT_TRUE(held <= 2 << 20 || kHasSanitizer) << held;
     SetVelmarLogHandler(nullptr, nullptr);
 }

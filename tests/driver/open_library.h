@@ -10,22 +10,13 @@
 #include "driver/itunes_driver.h"
 
 // The library of the environment, opened for a scope. `result` is that of the start.
-class OpenLibrary {
-  public:
-    OpenLibrary() : result(InitializeDriverPath(nullptr, nullptr, 0, &driver_)) {}
+struct OpenLibrary {
+    LibraryDriver *driver = nullptr;
+    const int32_t result = InitializeDriverPath(nullptr, nullptr, 0, &driver);
+
     ~OpenLibrary() {
-        if (driver_ != nullptr) UninitializeDriverPath(driver_);
+        if (driver != nullptr) UninitializeDriverPath(driver);
     }
-    OpenLibrary(const OpenLibrary &) = delete;
-    OpenLibrary &operator=(const OpenLibrary &) = delete;
-
-    LibraryDriver *driver() const { return driver_; }
-
-  private:
-    LibraryDriver *driver_ = nullptr;
-
-  public:
-    const int32_t result;
 };
 
 // A path opened for a scope; null when there is none.
@@ -35,8 +26,6 @@ class OpenedPath {
     ~OpenedPath() {
         if (path_ != nullptr) CloseDriverPath(path_);
     }
-    OpenedPath(const OpenedPath &) = delete;
-    OpenedPath &operator=(const OpenedPath &) = delete;
 
     DriverPath *get() const { return path_; }
     DriverPathInfo Info() const {
@@ -44,25 +33,19 @@ class OpenedPath {
         GetDriverPathInfo(path_, &info);
         return info;
     }
-    std::vector<int32_t> Numbers() const {
-        const DriverPathInfo info = Info();
-        return {info.kind, info.category, info.subcategory};
-    }
+    std::vector<int32_t> Numbers() const { return {Info().kind, Info().category, Info().subcategory}; }
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
-        const DriverPathInfo info = Info();
-        for (int32_t i = 0; i < GetVelmarArraySize(info.names); ++i) {
-            void *name = nullptr;
-            GetVelmarArrayItem(info.names, i, &name);
+        void *name = nullptr;
+        for (int32_t i = 0; path_ != nullptr && GetVelmarArrayItem(Info().names, i, &name) == 0; ++i)
             names.emplace_back(static_cast<const char *>(name));
-        }
         return names;
     }
     std::optional<std::string> Attribute(const char *key) const {
         const char *value = nullptr;
-        if (path_ == nullptr || FindVelmarAttributeValue(Info().attributes, key, &value) != 0)
-            return std::nullopt;
-        return value;
+        const bool is_there =
+            path_ != nullptr && FindVelmarAttributeValue(Info().attributes, key, &value) == 0;
+        return is_there ? std::optional<std::string>(value) : std::nullopt;
     }
 
   private:
@@ -73,11 +56,9 @@ class OpenedPath {
 inline std::optional<std::string> StreamBytes(LibraryDriver *driver, const std::string &path, int32_t chunk) {
     DriverStream *stream = nullptr;
     if (OpenDriverStream(driver, 0, path.c_str(), &stream) != 0) return std::nullopt;
-    std::string bytes;
-    std::string piece(static_cast<size_t>(chunk), '\0');
-    while (const int32_t count = ReadDriverStream(stream, piece.data(), chunk)) {
+    std::string bytes, piece(static_cast<size_t>(chunk), '\0');
+    while (const int32_t count = ReadDriverStream(stream, piece.data(), chunk))
         bytes.append(piece, 0, static_cast<size_t>(count));
-    }
     EXPECT_EQ(CloseDriverStream(stream), 0);
     return bytes;
 }

@@ -2,19 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "driver/path_lookup.h"
 #include "tests/driver/tree_fixture.h"
 
 namespace {
 
-struct ScannedTree : BareTree {
+struct ScannedEntries : BareTree, testing::Test {
     DriverPath *books = EnsureCategoryPath(&driver, "Books", node_category::kBook, node_subcategory::kBook);
 
-    DriverPath *AddScanned(const std::string &name, const std::string &location) {
+    // Its file has the same name.
+    DriverPath *AddScanned(const std::string &name) {
         DriverPath *entry = CreateScannedEntry(&driver, node_kind::kFile, 5, 50);
-        AddAttribute(entry, "location", location.c_str());
+        AddAttribute(entry, "location", name.c_str());
         AppendChild(books, name.c_str(), entry);
         return entry;
     }
@@ -31,83 +30,71 @@ struct ScannedTree : BareTree {
     }
 };
 
-TEST(ScannedEntries, RemovalLeavesWhatTheLibraryListsUnderItsName) {
-    ScannedTree tree;
-    for (int i = 0; i < 40; ++i) {
-        tree.AddScanned("scanned" + std::to_string(i), "C:\\Books\\x");
-        if (i % 4 == 0) tree.AddFromLibrary("own" + std::to_string(i), "C:/Books/y");
-    }
-    EXPECT_EQ(TakeScannedId(&tree.driver), 5000000);
-    DriverPath *kept = FindChild(tree.books, "own36");
-    RemoveScannedEntries(&tree.driver);
-    EXPECT_EQ(ChildCount(tree.books), 10);
-    EXPECT_EQ(FindChild(tree.books, "own36"), kept);
-    EXPECT_EQ(FindChild(tree.books, "scanned39"), nullptr);
-    EXPECT_EQ(TakeScannedId(&tree.driver), 5000000);
-    EXPECT_EQ(EnsureCategoryPath(&tree.driver, "Books", 5, 50), tree.books);
+TEST_F(ScannedEntries, RemovalLeavesWhatTheLibraryListsUnderItsName) {
+    for (int i = 0; i < 40; ++i)
+        i % 4 == 0 ? AddFromLibrary(std::to_string(i), "C:/y") : AddScanned(std::to_string(i));
+    DriverPath *kept = FindChild(books, "36");
+    EXPECT_EQ(TakeScannedId(&driver), 5000000);
+    RemoveScannedEntries(&driver);
+    EXPECT_EQ(TakeScannedId(&driver), 5000000);
+    EXPECT_EQ(ChildCount(books), 10);
+    EXPECT_EQ(FindChild(books, "36"), kept);
+    EXPECT_EQ(FindChild(books, "39"), nullptr);
+    EXPECT_EQ(EnsureCategoryPath(&driver, "Books", 5, 50), books);
 }
 
 // The address sanitizer and the leak checker see to the rest.
-TEST(ScannedEntries, WhatAHostHasOpenStaysReadableUntilItsLastClose) {
-    ScannedTree tree;
-    DriverPath *entry = tree.AddScanned("a.epub", "C:\\Books\\a.epub");
-    tree.AddList(entry, "thumb", "");
-    DriverPath *opened = tree.Open("library/Books/a.epub");
-    DriverPath *thumb = tree.Open("library/Books/a.epub/thumb");
-    DriverPath *never_closed = tree.AddScanned("b.epub", "C:\\Books\\b.epub");
-    tree.Open("library/Books/b.epub");
-    tree.Open("library/Books/a.epub");
-    RemoveScannedEntries(&tree.driver);
-    EXPECT_TRUE(never_closed->dropped);
-    DriverPath *found = nullptr;
-    EXPECT_EQ(OpenDriverPath(&tree.driver, 0, "library/Books/a.epub", &found), -2);
+TEST_F(ScannedEntries, WhatAHostHasOpenStaysReadableUntilItsLastClose) {
+    AddList(AddScanned("a"), "thumb", "");
+    DriverPath *opened = Open("library/Books/a");
+    DriverPath *thumb = Open("library/Books/a/thumb");
+    AddScanned("never closed");
+    Open("library/Books/never closed");
+    Open("library/Books/a");
+    RemoveScannedEntries(&driver);
+    EXPECT_EQ(ChildCount(books), 0);
     EXPECT_EQ(CloseDriverPath(opened), 0);
-    DriverPathInfo info = {};
-    ASSERT_EQ(GetDriverPathInfo(opened, &info), 0);
-    EXPECT_STREQ(info.open_path, "library/Books/a.epub");
-    EXPECT_EQ(FindAttribute(opened, "location"), "C:\\Books\\a.epub");
+    EXPECT_STREQ(opened->open_path, "library/Books/a");
+    EXPECT_EQ(FindAttribute(opened, "location"), "a");
     EXPECT_STREQ(ChildNameAt(opened, 0), "thumb");
-    EXPECT_EQ(CloseDriverPath(opened), 0);
-    EXPECT_EQ(tree.driver.dropped_paths.size(), 2U);
+    CloseDriverPath(opened);
+    EXPECT_EQ(driver.dropped_paths.size(), 2U);
     EXPECT_EQ(CloseDriverPath(thumb), 0);
-    EXPECT_EQ(tree.driver.dropped_paths.size(), 1U);
+    EXPECT_EQ(driver.dropped_paths.size(), 1U);
 }
 
-TEST(ScannedEntries, AnEntryWaitsForItsFileUnlessAHostHasItOpenOrTheFileChanges) {
-    ScannedTree tree;
+TEST_F(ScannedEntries, AnEntryWaitsForItsFileUnlessAHostHasItOpenOrTheFileChanges) {
     const FileStamp stamp{1, 2, 3};
-    DriverPath *kept = tree.AddScanned("kept", "C:\\kept");
-    for (const char *name : {"changed", "gone", "opened"})
-        KeepEntry(tree.AddScanned(name, std::string("C:\\") + name), std::string("C:\\") + name, stamp);
-    KeepEntry(kept, "C:\\kept", stamp);
-    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\kept", stamp), nullptr) << "still in the tree";
-    DriverPath *opened = tree.Open("library/Books/opened");
-    RemoveScannedEntries(&tree.driver);
-    EXPECT_EQ(ChildCount(tree.books), 0);
-    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\opened", stamp), nullptr);
-    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\changed", {1, 2, 4}), nullptr);
-    KeepEntry(tree.AddScanned("changed", "C:\\changed"), "C:\\changed", {1, 2, 4});
-    EXPECT_EQ(TakeKeptEntry(&tree.driver, "C:\\kept", stamp), kept);
-    AppendChild(tree.books, "kept", kept);
-    ReleaseKeptEntries(&tree.driver);
-    EXPECT_EQ(tree.driver.scanned_files.size(), 2U);
+    for (const std::string name : {"kept", "changed", "gone", "opened"})
+        KeepEntry(AddScanned(name), name, stamp);
+    DriverPath *kept = FindChild(books, "kept");
+    EXPECT_EQ(TakeKeptEntry(&driver, "kept", stamp), nullptr) << "still in the tree";
+    DriverPath *opened = Open("library/Books/opened");
+    RemoveScannedEntries(&driver);
+    EXPECT_EQ(ChildCount(books), 0);
+    EXPECT_EQ(TakeKeptEntry(&driver, "opened", stamp), nullptr);
+    EXPECT_EQ(TakeKeptEntry(&driver, "changed", {1, 2, 4}), nullptr);
+    KeepEntry(AddScanned("changed"), "changed", {1, 2, 4});
+    EXPECT_EQ(TakeKeptEntry(&driver, "kept", stamp), kept);
+    AppendChild(books, "kept", kept);
+    ReleaseKeptEntries(&driver);
+    EXPECT_EQ(driver.scanned_files.size(), 2U);
     CloseDriverPath(opened);
 }
 
-TEST(IsLocationKnown, FindsWhatTheLibraryListsInAnyCaseAndWithOrWithoutTheFirstSlash) {
-    ScannedTree tree;
-    tree.AddFromLibrary("1.epub", "home/user/Books/A Book.epub");
-    tree.AddScanned("b.epub", "\\home\\user\\Books\\B.epub");
-    EXPECT_TRUE(IsLocationKnown(tree.books, "\\home\\user\\books\\a book.EPUB"));
-    EXPECT_FALSE(IsLocationKnown(tree.books, "\\home\\user\\Books\\B.epub")) << "added by a scan";
-    EXPECT_FALSE(IsLocationKnown(tree.books, "\\user\\Books\\A Book.epub"));
+TEST_F(ScannedEntries, ALocationOfTheLibraryIsKnownInAnyCaseAndWithOrWithoutTheFirstSlash) {
+    const auto is_known = [this](const char *location) { return IsLocationKnown(books, location); };
+    AddFromLibrary("1.epub", "home/user/Books/A Book.epub");
+    AddScanned("\\home\\b.epub");
+    EXPECT_TRUE(is_known("\\home\\user\\books\\a book.EPUB"));
+    EXPECT_FALSE(is_known("\\home\\b.epub")) << "added by a scan";
+    EXPECT_FALSE(is_known("\\user\\Books\\A Book.epub"));
     // What comes later is found too, and what has gone is not.
-    DriverPath *late = tree.AddScanned("c.epub", "home/c.epub");
-    EXPECT_TRUE(IsLocationKnown(tree.books, "/home/c.epub"));
-    ASSERT_EQ(ChildAt(tree.books, 2), late);
-    DropChild(tree.books, 2);
-    EXPECT_FALSE(IsLocationKnown(tree.books, "/home/c.epub"));
-    EXPECT_TRUE(IsLocationKnown(tree.books, "/home/user/Books/A Book.epub"));
+    AddScanned("home/c.epub");
+    EXPECT_TRUE(is_known("/home/c.epub"));
+    DropChild(books, 2);
+    EXPECT_FALSE(is_known("/home/c.epub"));
+    EXPECT_TRUE(is_known("/home/user/Books/A Book.epub"));
 }
 
 }  // namespace

@@ -17,8 +17,6 @@ struct BareTree {
             AddList(driver.root, name, "");
     }
     ~BareTree() { DestroyLibrary(&driver); }
-    BareTree(const BareTree &) = delete;
-    BareTree &operator=(const BareTree &) = delete;
 
     DriverPath *AddList(DriverPath *parent, const std::string &name, const std::string &persistent_id) {
         DriverPath *list =

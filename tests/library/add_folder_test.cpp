@@ -4,102 +4,72 @@
 
 #include <chrono>
 #include <set>
-#include <string>
 #include <thread>
 
+#include "tests/platform/windows/folder_contents.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class AddFolder : public testing::Test {
-  protected:
-    // Each folder is created a moment after the one before it.
-    void MakeFolder(const std::string &name) {
+struct AddFolder : TempFolder, testing::Test {
+    // Each folder is created a moment after the one before it; one with a target is a link.
+    void Make(const std::string &name, const std::string &target = "") const {
         std::this_thread::sleep_for(std::chrono::milliseconds(15));
-        fs::create_directories(folder_.path() / name);
+        if (!target.empty()) return std::filesystem::create_directory_symlink(target, path() / name);
+        std::filesystem::create_directories(path() / name);
     }
-    int32_t Find() {
-        driver_.add_folder = folder_.path().string();
-        return FindAddFolder(&driver_);
-    }
-    // Names and bytes of all files below a folder.
-    std::set<std::pair<std::string, std::string>> FilesIn(const std::string &name) const {
-        std::set<std::pair<std::string, std::string>> files;
-        for (const auto &entry : fs::recursive_directory_iterator(folder_.path() / name)) {
-            if (entry.is_regular_file()) {
-                files.emplace(fs::relative(entry.path(), folder_.path() / name), ReadWholeFile(entry.path()));
-            }
-        }
-        return files;
+    // The folder that is found below a media folder, or "none".
+    std::string Find(const std::optional<std::string> &media_folder) {
+        driver.add_folder = media_folder;
+        if (FindAddFolder(&driver) != 0) return "none";
+        return driver.add_folder->substr(media_folder.value_or("").size());
     }
 
-    TempFolder folder_;
-    CollectedLog log_;
-    LibraryDriver driver_;
+    CollectedLog log;
+    LibraryDriver driver;
 };
 
 TEST_F(AddFolder, IsToldByItsNameAlone) {
     for (const char *other : {"iTunes_1234", "Add to itunes folder", "Music", "iTunes"})
-        MakeFolder(other);
-    folder_.Write("Automatically Add to iTunes file", "");
-    EXPECT_EQ(Find(), -1);
-    EXPECT_EQ(log_.Last(), "Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder");
-    MakeFolder("iTunes_12345");
-    EXPECT_EQ(Find(), 0);
-    EXPECT_EQ(driver_.add_folder, folder_.path().string() + "\\iTunes_12345");
-}
-
-TEST_F(AddFolder, AFinalBackslashOfThePreferencesStays) {
-    MakeFolder("Zu iTunes hinzufügen");
-    driver_.add_folder = folder_.path().string() + "\\";
-    EXPECT_EQ(FindAddFolder(&driver_), 0);
-    EXPECT_EQ(driver_.add_folder, folder_.path().string() + "\\\\Zu iTunes hinzufügen");
-}
-
-TEST_F(AddFolder, NoMediaFolderIsNoAddFolder) {
-    const ScopedEnvironment home("HOME", folder_.path());
-    const ScopedEnvironment music("XDG_MUSIC_DIR", std::nullopt);
-    EXPECT_EQ(FindAddFolder(&driver_), -1);
-    MakeFolder("Music/iTunes/iTunes Media/Automatically Add to iTunes");
-    EXPECT_EQ(FindAddFolder(&driver_), 0);
-    EXPECT_TRUE(driver_.add_folder->ends_with("\\iTunes\\iTunes Media\\Automatically Add to iTunes"));
+        Make(other);
+    Write("Automatically Add to iTunes file", "");
+    EXPECT_EQ(Find(path()), "none");
+    EXPECT_EQ(log.Last(), "Can't find \"Automatically Add to iTunes\" folder under iTunes Media Folder");
+    Make("iTunes_12345");
+    EXPECT_EQ(Find(path()), "\\iTunes_12345");
+    // A final backslash of the preferences stays.
+    EXPECT_EQ(Find(path().string() + "\\"), "\\iTunes_12345");
+    // Without a media folder it lies under My Music.
+    const ScopedEnvironmentValues environment(
+        {{"HOME", path()}, {"XDG_MUSIC_DIR", ""}, {"XDG_CONFIG_HOME", path()}});
+    EXPECT_EQ(Find(std::nullopt), "none");
+    Make("Music/iTunes/iTunes Media/Zu iTunes hinzufügen");
+    EXPECT_EQ(Find(std::nullopt), path().string() + "/Music\\iTunes\\iTunes Media\\Zu iTunes hinzufügen");
 }
 
 TEST_F(AddFolder, SeveralAreMergedIntoTheYoungestAndNothingIsLost) {
     // Enough of them that the folder's own order is not the order of creation.
-    std::set<std::string> contents;
+    std::multiset<std::string> contents;
     std::string youngest;
     for (int i = 0; i < 6; ++i) {
         youngest = std::to_string(i * 7 % 6) + " Add to iTunes";
-        MakeFolder(youngest);
-        for (const char *file : {"same.mp3", "Not Added/deep.mp3"}) {
-            const std::string bytes = youngest + file;
-            folder_.Write(youngest + "/" + file, bytes);
-            contents.insert(bytes);
-        }
+        Make(youngest);
+        for (const char *file : {"/same.mp3", "/Not Added/deep.mp3"})
+            contents.insert(ReadWholeFile(Write(youngest + file, youngest + file)));
     }
-    ASSERT_EQ(Find(), 0);
-    EXPECT_EQ(driver_.add_folder, folder_.path().string() + "\\" + youngest);
-    std::set<std::string> kept;
-    for (const auto &[name, bytes] : FilesIn(youngest))
-        kept.insert(bytes);
-    EXPECT_EQ(kept, contents);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()), 1);
-}
-
-TEST_F(AddFolder, TwoNamesOfOneFolderLoseNothing) {
-    MakeFolder("Automatically Add to iTunes");
-    folder_.Write("Automatically Add to iTunes/song.mp3", "bytes");
-    std::this_thread::sleep_for(std::chrono::milliseconds(15));
-    fs::create_directory_symlink("Automatically Add to iTunes", folder_.path() / "Link to the iTunes folder");
-    ASSERT_EQ(Find(), 0);
-    const auto files = FilesIn("Automatically Add to iTunes");
-    ASSERT_EQ(files.size(), 1u);
-    EXPECT_EQ(files.begin()->second, "bytes");
+    for (const int folders : {1, 2}) {
+        // Two names of one folder lose nothing either.
+        if (folders == 2) Make("Link to the iTunes folder", youngest);
+        const std::string found = Find(path());
+        EXPECT_TRUE(folders == 2 || found == "\\" + youngest) << found;
+        std::multiset<std::string> kept;
+        for (const auto &[name, bytes] : FolderContents(path())) {
+            if (bytes != "/" && !bytes.starts_with("-> ")) kept.insert(bytes);
+        }
+        EXPECT_EQ(kept, contents);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(path()), {}), folders);
+    }
 }
 
 }  // namespace

@@ -1,141 +1,100 @@
 #include "library/library_files.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "content/plist_values.h"
-#include "tests/support/collected_log.h"
-#include "tests/support/library_xml.h"
+#include "tests/library/loaded_library.h"
 #include "tests/support/preference_file.h"
-#include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
-constexpr size_t kShortestFlagged = kPreferenceFlagIndex + 1;
+using testing::ElementsAre;
 
-class LibraryFiles : public testing::Test {
-  protected:
-    void SetUp() override {
-        std::filesystem::create_directories(folder_.path() / "Music" / "iTunes");
-        folder_.Write("elsewhere/My Library.xml", EmptyList());
+struct LibraryFiles : testing::Test {
+    LibraryFiles() {
+        folder.Write("elsewhere/My Library.xml", ListFile("<dict/>"));
+        preferences.library_xml = BackslashPath(folder.path() / "elsewhere/My Library.xml");
+        preferences.media_folder = "C:\\media";
+        std::filesystem::remove_all(place.home / "AppData");
     }
+    std::string WritePreferences() const { return preferences.WriteUnder(place.home / "AppData").string(); }
+    int32_t Load() { return LoadLibraryFiles(&driver); }
 
-    static std::string EmptyList() {
-        return std::string(kPropertyListHead) + "<dict></dict>" + std::string(kPropertyListTail);
-    }
-    std::string Backslashed(const std::string &name) const { return BackslashPath(folder_.path() / name); }
-    int32_t Load() { return LoadLibraryFiles(&driver_); }
-
-    TempFolder folder_;
-    ScopedEnvironment app_data_{"APPDATA", folder_.path() / "AppData"};
-    ScopedEnvironment home_{"HOME", folder_.path()};
-    ScopedEnvironment config_{"XDG_CONFIG_HOME", std::nullopt};
-    ScopedEnvironment music_{"XDG_MUSIC_DIR", std::nullopt};
-    CollectedLog log_;
-    LibraryDriver driver_;
+    TempFolder folder;
+    const LibraryPlace place = MakeLibraryPlace(folder.path());
+    ScopedEnvironmentValues environment{place.environment};
+    // What stands before the first backslash of the places under My Music.
+    const std::string music = place.home.string() + "/Music";
+    PreferenceFile preferences;
+    CollectedLog log;
+    LibraryDriver driver;
 };
 
-TEST_F(LibraryFiles, TakesBothPathsFromThePreferences) {
-    PreferenceFile preferences;
-    preferences.media_folder = Backslashed("media");
-    preferences.library_xml = Backslashed("elsewhere/My Library.xml");
-    const std::string path = preferences.WriteUnder(folder_.path() / "AppData");
+TEST_F(LibraryFiles, BothPathsComeFromThePreferences) {
+    WritePreferences();
     ASSERT_EQ(Load(), 0);
-    EXPECT_EQ(driver_.add_folder, preferences.media_folder);
-    EXPECT_EQ(driver_.xml_path, preferences.library_xml);
-    EXPECT_EQ(driver_.library_folder, Backslashed("elsewhere"));
-    EXPECT_EQ(driver_.itl_path, (folder_.path() / "Music").string() + "\\iTunes\\iTunes Library.itl");
-    EXPECT_TRUE(IsDictionary(driver_.library_plist.get()));
-    EXPECT_EQ(driver_.parser, nullptr);
-    const auto lines = log_.Lines();
-    ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0], "[iTunes] iTunes Preference File: " + (folder_.path() / "AppData").string() +
-                            "\\Apple Computer\\iTunes\\iTunesPrefs.xml");
-    EXPECT_EQ(lines[1], "[iTunes] iTunes Music Folder: " + *preferences.media_folder);
-    EXPECT_EQ(lines[2], "[iTunes] iTunes Library XML: " + *preferences.library_xml);
+    EXPECT_EQ(driver.add_folder, "C:\\media");
+    EXPECT_EQ(driver.xml_path, preferences.library_xml);
+    EXPECT_EQ(driver.library_folder, BackslashPath(folder.path() / "elsewhere"));
+    EXPECT_EQ(driver.itl_path, music + "\\iTunes\\iTunes Library.itl");
+    EXPECT_TRUE(IsDictionary(driver.library_plist.get()));
+    EXPECT_EQ(driver.parser, nullptr);
+    const std::string file = place.home.string() + "/AppData\\Apple Computer\\iTunes\\iTunesPrefs.xml";
+    EXPECT_THAT(log.Lines(), ElementsAre("[iTunes] iTunes Preference File: " + file,
+                                         "[iTunes] iTunes Music Folder: C:\\media",
+                                         "[iTunes] iTunes Library XML: " + *preferences.library_xml));
+    // A path without a backslash has no library folder.
+    preferences.library_xml = (folder.path() / "elsewhere/My Library.xml").string();
+    WritePreferences();
+    ASSERT_EQ(Load(), 0);
+    EXPECT_EQ(driver.library_folder, "");
 }
 
-TEST_F(LibraryFiles, WithoutPreferencesTheDefaultsUnderMyMusicHold) {
-    folder_.Write("Music/iTunes/iTunes Music Library.xml", EmptyList());
-    ASSERT_EQ(Load(), 0);
-    EXPECT_EQ(driver_.add_folder, std::nullopt);
-    EXPECT_EQ(driver_.library_folder, (folder_.path() / "Music").string() + "\\iTunes");
-    EXPECT_TRUE(log_.Has("[iTunes] Open iTunes Preferences file error!"));
-    EXPECT_EQ(log_.Last(), "Default iTunes Library XML: " + driver_.xml_path);
-}
-
-TEST_F(LibraryFiles, PreferencesOfAnotherShapeAreNoPreferences) {
-    folder_.Write("Music/iTunes/iTunes Music Library.xml", EmptyList());
-    for (const char *root : {"<array/>", "<dict><key>User Preferences</key><array/></dict>",
-                             "<dict><key>User Preferences</key><dict><key>iTunes Library XML Location:1</key>"
-                             "<string>C:\\text, not data.xml</string></dict></dict>"}) {
-        folder_.Write("AppData/Apple Computer/iTunes/iTunesPrefs.xml",
-                      std::string(kPropertyListHead) + root + std::string(kPropertyListTail));
+TEST_F(LibraryFiles, WithoutUsablePreferencesTheDefaultsUnderMyMusicHold) {
+    EXPECT_EQ(Load(), -999);
+    EXPECT_EQ(driver.parser, nullptr);
+    EXPECT_EQ(log.Last(), "Open iTunes Library file error!");
+    WriteFile(place.library_xml, ListFile("<dict/>"));
+    const std::string text =
+        "<key>iTunes Library XML Location:1</key><string>C:\\text, not data.xml</string>";
+    const std::string user = "<dict><key>User Preferences</key>";
+    for (const std::string &root :
+         {std::string("<array/>"), user + "<array/></dict>", user + "<dict>" + text + "</dict></dict>"}) {
+        folder.Write("home/AppData/Apple Computer/iTunes/iTunesPrefs.xml", ListFile(root));
         ASSERT_EQ(Load(), 0) << root;
-        EXPECT_EQ(driver_.add_folder, std::nullopt) << root;
-        EXPECT_TRUE(driver_.xml_path.ends_with("iTunes Music Library.xml")) << root;
+        EXPECT_EQ(driver.add_folder, std::nullopt) << root;
+        EXPECT_EQ(driver.library_folder, music + "\\iTunes") << root;
+        const std::string before_last = log.Lines().end()[-2];
+        EXPECT_EQ(before_last == "[iTunes] Open iTunes Preferences file error!", root == "<array/>");
+        EXPECT_EQ(log.Last(), "Default iTunes Library XML: " + music + "\\iTunes\\iTunes Music Library.xml");
     }
-}
-
-TEST_F(LibraryFiles, APathWithoutABackslashHasNoLibraryFolder) {
-    PreferenceFile preferences;
-    preferences.library_xml = (folder_.path() / "elsewhere/My Library.xml").string();
-    preferences.WriteUnder(folder_.path() / "AppData");
-    ASSERT_EQ(Load(), 0);
-    EXPECT_EQ(driver_.library_folder, "");
-}
-
-TEST_F(LibraryFiles, NeitherLibraryFileIsAFailure) {
-    EXPECT_EQ(Load(), -999);
-    EXPECT_EQ(driver_.parser, nullptr);
-    EXPECT_EQ(log_.Last(), "Open iTunes Library file error!");
     const ScopedEnvironment no_preferences("APPDATA", std::nullopt);
-    EXPECT_EQ(Load(), -999);
+    EXPECT_EQ(Load(), 0);
 }
 
 TEST_F(LibraryFiles, TheFlagByteIsSetOnceAndOnlyInABlockThatReachesIt) {
-    struct Case {
-        size_t length;
-        char flag;
-        bool rewritten;
-    };
-    for (const Case &test : {Case{kShortestFlagged - 1, 0, false}, Case{kShortestFlagged, 0, true},
-                             Case{kShortestFlagged + 500, 0, true}, Case{kShortestFlagged, 2, false}}) {
-        PreferenceFile preferences;
-        preferences.library_xml = Backslashed("elsewhere/My Library.xml");
-        preferences.block_length = test.length;
-        preferences.flag_byte = test.flag;
-        const auto path = preferences.WriteUnder(folder_.path() / "AppData");
+    // The bytes from the flag on, the flag, whether the file is a binary one, and whether it is rewritten.
+    using Case = std::tuple<size_t, char, bool, bool>;
+    for (const auto &[room, flag, is_binary, is_rewritten] :
+         {Case{0, 0, false, false}, {1, 0, false, true}, {500, 0, true, true}, {1, 2, false, false}}) {
+        SCOPED_TRACE(room);
+        preferences.block_length = kPreferenceFlagIndex + room;
+        preferences.flag_byte = flag;
+        const std::string path = WritePreferences();
+        // A binary file comes back as XML.
+        if (is_binary)
+            WritePropertyListFile(path, ReadPropertyListFile(path).get(), kCFPropertyListBinaryFormat_v1_0);
         const std::string before = ReadWholeFile(path);
         ASSERT_EQ(Load(), 0);
-        const std::string after = ReadWholeFile(path);
-        EXPECT_EQ(after != before, test.rewritten) << test.length;
-        if (test.rewritten) {
-            PreferenceFile flagged = preferences;
-            flagged.flag_byte = 1;
-            const CFOwner expected =
-                ReadPropertyListFile(flagged.WriteUnder(folder_.path() / "expected").string());
-            EXPECT_TRUE(CFEqual(ReadPropertyListFile(path.string()).get(), expected.get()));
-        }
         ASSERT_EQ(Load(), 0);
-        EXPECT_EQ(ReadWholeFile(path), after) << "a second start finds the flag set";
+        EXPECT_EQ(driver.xml_path, preferences.library_xml);
+        EXPECT_EQ(ReadWholeFile(path) != before, is_rewritten);
+        EXPECT_TRUE(ReadWholeFile(path).starts_with("<?xml"));
+        preferences.flag_byte = is_rewritten ? 1 : flag;
+        const auto expected = preferences.WriteUnder(folder.path() / "expected").string();
+        EXPECT_TRUE(CFEqual(ReadPropertyListFile(path).get(), ReadPropertyListFile(expected).get()));
     }
-}
-
-TEST_F(LibraryFiles, ABinaryPreferenceFileComesBackAsXml) {
-    PreferenceFile preferences;
-    preferences.library_xml = Backslashed("elsewhere/My Library.xml");
-    preferences.block_length = kShortestFlagged;
-    preferences.flag_byte = 0;
-    const std::string path = preferences.WriteUnder(folder_.path() / "AppData").string();
-    ASSERT_EQ(WritePropertyListFile(path, ReadPropertyListFile(path).get(), kCFPropertyListBinaryFormat_v1_0),
-              0);
-    ASSERT_TRUE(ReadWholeFile(path).starts_with("bplist00"));
-    ASSERT_EQ(Load(), 0);
-    EXPECT_TRUE(ReadWholeFile(path).starts_with("<?xml"));
-    EXPECT_EQ(driver_.xml_path, preferences.library_xml);
 }
 
 }  // namespace

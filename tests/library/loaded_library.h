@@ -1,86 +1,75 @@
 #ifndef TESTS_LIBRARY_LOADED_LIBRARY_H
 #define TESTS_LIBRARY_LOADED_LIBRARY_H
 
-#include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
+#include "tests/driver/open_library.h"
 #include "tests/support/collected_log.h"
 #include "tests/support/file_writing.h"
 #include "tests/support/library_place.h"
 #include "tests/support/library_xml.h"
 #include "tests/support/temp_folder.h"
 
+// The XML file around a root value.
+inline std::string ListFile(const std::string &root) {
+    return std::string(kPropertyListHead) + root + std::string(kPropertyListTail);
+}
+
 // A library that a test writes, loaded without a host.
 class LoadedLibrary {
   public:
-    explicit LoadedLibrary(const std::function<void(LibraryXml &)> &write) {
-        Rewrite(write);
-        Load();
-    }
+    using Writer = std::function<void(LibraryXml &)>;
+
+    explicit LoadedLibrary(const Writer &write) : LoadedLibrary("xml", Xml(write)) {}
     // The only library file of its place, which the driver knows by its name and its ending.
     LoadedLibrary(const std::string &ending, const std::string &bytes) {
-        const std::string name = ending == "itl" ? "iTunes Library.itl" : "iTunes Music Library.xml";
-        WriteFile(place_.library_xml.parent_path() / name, bytes);
-        Load();
+        const auto itl = place.library_xml.parent_path() / "iTunes Library.itl";
+        WriteFile(ending == "itl" ? itl : place.library_xml, bytes);
+        const ScopedEnvironmentValues environment(place.environment);
+        result = CreateLibrary(&driver);
     }
     ~LoadedLibrary() { DestroyLibrary(&driver); }
-    LoadedLibrary(const LoadedLibrary &) = delete;
-    LoadedLibrary &operator=(const LoadedLibrary &) = delete;
 
-    // The node that a path text names, or null.
-    DriverPath *At(const std::string &path) {
-        DriverPath *node = nullptr;
-        if (OpenDriverPath(&driver, 0, path.c_str(), &node) == 0) CloseDriverPath(node);
-        return node;
+    // The node that a path text names, or null; its kind and category numbers, and the names under it.
+    DriverPath *At(const std::string &path) { return OpenedPath(&driver, path.c_str()).get(); }
+    std::vector<int32_t> Numbers(const std::string &path) {
+        return OpenedPath(&driver, path.c_str()).Numbers();
     }
     std::vector<std::string> NamesUnder(const std::string &path) {
-        std::vector<std::string> names;
-        const DriverPath *node = At(path);
-        for (int32_t i = 0; node != nullptr && i < ChildCount(node); ++i)
-            names.emplace_back(ChildNameAt(node, i));
-        return names;
+        return OpenedPath(&driver, path.c_str()).Names();
+    }
+    std::vector<const DriverPath *> Tracks() const {
+        std::vector<const DriverPath *> tracks;
+        void *track = nullptr;
+        for (int32_t i = 0; GetVelmarArrayItem(driver.tracks, i, &track) == 0; ++i)
+            tracks.push_back(static_cast<DriverPath *>(track));
+        return tracks;
     }
 
-    // Writes a file below the media folder.
-    void WriteMedia(const std::string &name, std::string_view bytes) const {
-        const auto path = place_.media_folder / name;
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
     // Writes the library XML anew, as iTunes does at any time.
-    void Rewrite(const std::function<void(LibraryXml &)> &write) const {
-        std::ofstream file(place_.library_xml, std::ios::binary);
-        LibraryXml xml(file);
-        write(xml);
-        xml.Finish();
-    }
-    void RewriteAs(const std::string &list) const {
-        std::ofstream(place_.library_xml, std::ios::binary) << kPropertyListHead << list << kPropertyListTail;
-    }
+    void Rewrite(const Writer &write) const { WriteFile(place.library_xml, Xml(write)); }
 
   private:
-    void Load() {
-        const ScopedEnvironmentValues environment(place_.environment);
-        result = CreateLibrary(&driver);
+    static std::string Xml(const Writer &write) {
+        std::ostringstream out;
+        LibraryXml xml(out);
+        write(xml);
+        xml.Finish();
+        return out.str();
     }
 
     TempFolder folder_;
-    LibraryPlace place_ = MakeLibraryPlace(folder_.path());
 
   public:
+    LibraryPlace place = MakeLibraryPlace(folder_.path());
     CollectedLog log;
     LibraryDriver driver;
     int32_t result = 0;
 };
-
-// The tracks that most tests want: their ids, and further entries.
-inline XmlEntries TrackEntries(const std::string &location, XmlEntries more = {}) {
-    if (!location.empty()) more.push_back({"Location", XmlText(location)});
-    return more;
-}
 
 #endif
