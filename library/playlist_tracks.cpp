@@ -79,7 +79,7 @@ void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
     char name[kMostDigits + kLongestListExtension + 1] = {};
     char *end = std::to_chars(name, name + kMostDigits, id).ptr;
     std::copy(std::begin(track->list_extension), std::end(track->list_extension), end);
-    AppendChild(list, name, track);
+    AppendTrack(list, name, track);
     ++track->share_count;
     AddToMediaList(track, list);
 }

@@ -1,6 +1,7 @@
 #include "library/playlists.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "content/plist_values.h"
 #include "driver/attributes.h"
@@ -124,15 +125,14 @@ DriverPath *CreatePlaylistPath(LibraryDriver *driver, const PlaylistRecord &reco
         DriverPath *shared = FindCategoryRoot(driver, kind.category, kind.subcategory);
         if (shared != nullptr) return shared;
     }
-    DriverPath *path = CreateDriverPath(driver, parent->kind, kind.category, SubcategoryOf(kind, record));
+    LoosePath path = CreateDriverPath(driver, parent->kind, kind.category, SubcategoryOf(kind, record));
     if (kind.name == nullptr && !record.name) {
-        driver->unnamed_lists.push_back(path);
-        return path;
+        driver->unnamed_lists.push_back(path.get());
+        return path.release();
     }
-    if (record.persistent_id) AddAttribute(path, "persistent_id", record.persistent_id->c_str());
-    AppendChild(HolderOf(driver, record, parent), kind.name != nullptr ? kind.name : record.name->c_str(),
-                path);
-    return path;
+    if (record.persistent_id) AddAttribute(path.get(), "persistent_id", record.persistent_id->c_str());
+    return AppendChild(HolderOf(driver, record, parent),
+                       kind.name != nullptr ? kind.name : record.name->c_str(), std::move(path));
 }
 
 int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dictionary) {
