@@ -37,11 +37,6 @@ bool HasName(const DriverPath *path, int32_t index, std::string_view name) {
     return text != nullptr && text == name;
 }
 
-void IndexName(DriverPath *path, int32_t index) {
-    const char *text = ChildNameAt(path, index);
-    if (text != nullptr) path->child_index->Add(*path, text, index);
-}
-
 void FreeNames(VelmarArray *names) {
     for (int32_t i = GetVelmarArraySize(names) - 1; i >= 0; --i) {
         void *name = nullptr;
@@ -91,7 +86,7 @@ void Hang(DriverPath *parent, const char *name, DriverPath *child) {
     try {
         if (name != nullptr) {
             AppendName(parent, name);
-            if (parent->child_index) IndexName(parent, GetVelmarArraySize(parent->names) - 1);
+            if (parent->child_index) parent->child_index->Add(*parent, GetVelmarArraySize(parent->names) - 1);
         }
         if (HangsInTree(parent)) LinkToParent(parent, child);
     } catch (const std::bad_alloc &) {
@@ -134,6 +129,7 @@ void ReleaseSubtree(DriverPath *path, void (*release)(DriverPath *)) {
             node = holder;
             continue;
         }
+        PrefetchPath(ChildAt(node, last - kPrefetchedPlaces));
         DriverPath *child = GiveUp(ChildAt(node, last), node);
         DeleteVelmarArrayItem(node->children, last);
         if (child != nullptr) node = child;
@@ -197,12 +193,8 @@ const char *ChildNameAt(const DriverPath *path, int32_t index) {
 }
 
 void IndexChildNames(DriverPath *path) {
-    const int32_t count = GetVelmarArraySize(path->names);
-    if (path->child_index || count < kFewChildren) return;
-    path->child_index = std::make_unique<ChildIndex>();
-    path->child_index->Reserve(static_cast<size_t>(count));
-    for (int32_t i = 0; i < count; ++i)
-        IndexName(path, i);
+    if (path->child_index || GetVelmarArraySize(path->names) < kFewChildren) return;
+    path->child_index = std::make_unique<ChildIndex>(*path);
 }
 
 DriverPath *FindChild(DriverPath *path, std::string_view name) {

@@ -12,6 +12,7 @@
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/itl_parser/itl_parser.h"
 #include "platform/memory/pool.h"
+#include "platform/memory/prefetch.h"
 
 // The numbers that type a node.
 namespace node_kind {
@@ -85,6 +86,13 @@ struct DriverPath : Pooled {
     // Children by name; only where there are many.
     std::unique_ptr<ChildIndex> child_index;
 };
+
+// Sends for the memory of a node. Null is passed over.
+inline void PrefetchPath(const DriverPath *path) {
+    if (path == nullptr) return;
+    Prefetch(path);
+    Prefetch(&path->sequence);
+}
 
 struct ReleasePath {
     void operator()(DriverPath *path) const;

@@ -164,6 +164,17 @@ DriverPath *FindTrackByNumber(LibraryDriver *driver, int64_t id) {
     return driver->index.track_numbers.Find(id);
 }
 
+void FindTracksByNumber(LibraryDriver *driver, std::span<const int64_t> ids, DriverPath **tracks) {
+    IndexNewTracks(driver);
+    const NumberIndex &numbers = driver->index.track_numbers;
+    for (const int64_t id : ids)
+        numbers.PrefetchPlace(id);
+    for (size_t i = 0; i < ids.size(); ++i) {
+        tracks[i] = numbers.Find(ids[i]);
+        PrefetchPath(tracks[i]);
+    }
+}
+
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {
     if (const auto number = NumberOf(id)) return FindTrackByNumber(driver, *number);
     IndexNewTracks(driver);

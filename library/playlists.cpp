@@ -143,6 +143,8 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
     if (!IsArray(value)) return 0;
     const auto items = static_cast<CFArrayRef>(value);
     const CFIndex count = CFArrayGetCount(items);
+    std::vector<int64_t> ids;
+    ids.reserve(static_cast<size_t>(count));
     for (CFIndex i = 0; i < count; ++i) {
         const void *item = CFArrayGetValueAtIndex(items, i);
         if (!IsDictionary(item)) continue;
@@ -150,14 +152,14 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
         int64_t id = 0;
         if (IsNumber(number) &&
             CFNumberGetValue(static_cast<CFNumberRef>(number), kCFNumberSInt64Type, &id)) {
-            AddTrackToPlaylist(driver, path, id);
+            ids.push_back(id);
         }
     }
+    AddTracksToPlaylist(driver, path, ids);
     return 0;
 }
 
 int32_t AddParserPlaylistItems(LibraryDriver *driver, DriverPath *path, const std::vector<int32_t> &items) {
-    for (const int32_t id : items)
-        AddTrackToPlaylist(driver, path, id);
+    AddTracksToPlaylist(driver, path, std::vector<int64_t>(items.begin(), items.end()));
     return 0;
 }
