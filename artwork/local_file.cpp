@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "artwork/file_attributes.h"
 #include "artwork/media_info.h"
@@ -43,10 +44,10 @@ DriverPath *FindCategory(LibraryDriver *driver, const std::string &path) {
 }
 
 // The node is known by its id, as two files may have one name.
-void HangEntry(DriverPath *root, DriverPath *entry, const std::string &path) {
+DriverPath *HangEntry(DriverPath *root, LoosePath entry, const std::string &path) {
     const std::string id = std::to_string(TakeScannedId(root->owner));
-    SetAttribute(entry, "id", id.c_str());
-    AppendChild(root, (id + std::string(ExtensionOfPath(path))).c_str(), entry);
+    SetAttribute(entry.get(), "id", id.c_str());
+    return AppendChild(root, (id + std::string(ExtensionOfPath(path))).c_str(), std::move(entry));
 }
 
 // The picture stays in the file until someone asks for it.
@@ -81,15 +82,14 @@ void AddMediaInfoDuration(DriverPath *entry, const std::string &path) {
 }
 
 // An entry with all that the file tells. It hangs nowhere yet, and its id, which comes first, is still empty.
-DriverPath *ReadFile(DriverPath *root, const std::string &path, const std::optional<FileStamp> &stamp) {
-    DriverPath *entry = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
-    AddAttribute(entry, "id", "");
-    AddAttribute(entry, "location", path.c_str());
-    AddFileSize(entry, path);
-    if (IsExtension(ExtensionOfPath(path), ".mp3")) AddTag(entry, path);
-    if (!FindAttribute(entry, "name")) AddAttribute(entry, "name", BaseName(path).c_str());
-    if (!FindAttribute(entry, "duration")) AddMediaInfoDuration(entry, path);
-    if (stamp) KeepEntry(entry, path, *stamp);
+LoosePath ReadFile(DriverPath *root, const std::string &path) {
+    LoosePath entry = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
+    AddAttribute(entry.get(), "id", "");
+    AddAttribute(entry.get(), "location", path.c_str());
+    AddFileSize(entry.get(), path);
+    if (IsExtension(ExtensionOfPath(path), ".mp3")) AddTag(entry.get(), path);
+    if (!FindAttribute(entry.get(), "name")) AddAttribute(entry.get(), "name", BaseName(path).c_str());
+    if (!FindAttribute(entry.get(), "duration")) AddMediaInfoDuration(entry.get(), path);
     return entry;
 }
 
@@ -104,7 +104,8 @@ int32_t ImportLocalFile(LibraryDriver *driver, const std::string &path) {
     if (IsExtension(extension, ".epub") || IsExtension(extension, ".pdf")) return AddLocalBook(root, path);
     if (IsExtension(extension, ".ipa")) return AddLocalApp(root, path);
     if (IsLocationKnown(root, path)) return -3;
-    DriverPath *kept = stamp ? TakeKeptEntry(driver, path, *stamp) : nullptr;
-    HangEntry(root, kept != nullptr ? kept : ReadFile(root, path, stamp), path);
+    LoosePath kept = stamp ? TakeKeptEntry(driver, path, *stamp) : nullptr;
+    DriverPath *entry = HangEntry(root, kept != nullptr ? std::move(kept) : ReadFile(root, path), path);
+    if (stamp) KeepEntry(entry, path, *stamp);
     return 0;
 }

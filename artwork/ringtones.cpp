@@ -1,6 +1,7 @@
 #include "artwork/ringtones.h"
 
 #include <optional>
+#include <utility>
 
 #include "artwork/file_attributes.h"
 #include "artwork/sound_length.h"
@@ -22,24 +23,22 @@ bool IsTone(const WIN32_FIND_DATAW &entry) {
 }
 
 // An entry is known by its file name, has no id and no tag.
-DriverPath *ReadTone(DriverPath *root, const std::string &path, const std::string &name) {
-    DriverPath *tone = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
-    AddFileSize(tone, path);
-    if (const auto length = SoundLength(path)) AddDuration(tone, *length);
-    AddAttribute(tone, "location", path.c_str());
-    AddAttribute(tone, "name", name.substr(0, name.rfind('.')).c_str());
+LoosePath ReadTone(DriverPath *root, const std::string &path, const std::string &name) {
+    LoosePath tone = CreateScannedEntry(root->owner, node_kind::kFile, root->category, root->subcategory);
+    AddFileSize(tone.get(), path);
+    if (const auto length = SoundLength(path)) AddDuration(tone.get(), *length);
+    AddAttribute(tone.get(), "location", path.c_str());
+    AddAttribute(tone.get(), "name", name.substr(0, name.rfind('.')).c_str());
     return tone;
 }
 
 void AddTone(DriverPath *root, const std::string &folder, const std::string &name) {
     const std::string path = folder + "\\" + name;
     const auto stamp = StampOfFile(path);
-    DriverPath *tone = stamp ? TakeKeptEntry(root->owner, path, *stamp) : nullptr;
-    if (tone == nullptr) {
-        tone = ReadTone(root, path, name);
-        if (stamp) KeepEntry(tone, path, *stamp);
-    }
-    AppendChild(root, name.c_str(), tone);
+    LoosePath tone = stamp ? TakeKeptEntry(root->owner, path, *stamp) : nullptr;
+    if (tone == nullptr) tone = ReadTone(root, path, name);
+    DriverPath *entry = AppendChild(root, name.c_str(), std::move(tone));
+    if (stamp) KeepEntry(entry, path, *stamp);
 }
 
 }  // namespace

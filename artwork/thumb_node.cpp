@@ -1,13 +1,14 @@
 #include "artwork/thumb_node.h"
 
+#include <utility>
+
 #include "driver/attributes.h"
 
 DriverPath *AddThumbNode(DriverPath *file, int32_t subcategory, const char *location) {
-    DriverPath *thumb =
+    LoosePath thumb =
         CreateDriverPath(file->owner, node_kind::kFolder, node_category::kThumbnail, subcategory);
-    AddAttribute(thumb, "location", location);
-    AppendChild(file, "thumb", thumb);
-    return thumb;
+    AddAttribute(thumb.get(), "location", location);
+    return AppendChild(file, "thumb", std::move(thumb));
 }
 
 bool IsThumbNode(const DriverPath *path) {
@@ -16,12 +17,11 @@ bool IsThumbNode(const DriverPath *path) {
 }
 
 DriverPath *AddThumbnail(DriverPath *thumb, const char *name, const Thumbnail &thumbnail) {
-    DriverPath *path = CreateDriverPath(thumb->owner, node_kind::kFile, node_category::kThumbnail,
-                                        node_subcategory::kThumbnail);
-    if (!thumbnail.type.empty()) AddAttribute(path, "thumb_type", thumbnail.type.c_str());
-    AddAttribute(path, "location", thumbnail.location.c_str());
-    AddAttribute(path, "st_size", std::to_string(thumbnail.size).c_str());
+    LoosePath path = CreateDriverPath(thumb->owner, node_kind::kFile, node_category::kThumbnail,
+                                      node_subcategory::kThumbnail);
+    if (!thumbnail.type.empty()) AddAttribute(path.get(), "thumb_type", thumbnail.type.c_str());
+    AddAttribute(path.get(), "location", thumbnail.location.c_str());
+    AddAttribute(path.get(), "st_size", std::to_string(thumbnail.size).c_str());
     path->thumb_offset = thumbnail.offset;
-    AppendChild(thumb, name, path);
-    return path;
+    return AppendChild(thumb, name, std::move(path));
 }

@@ -1,18 +1,20 @@
 #include "content/app_thumb.h"
 
+#include <utility>
+
 #include "driver/attributes.h"
 
 namespace {
 
-DriverPath *CreatePicture(LibraryDriver *driver, const AppInfo &info, const std::string &location) {
-    DriverPath *picture =
+LoosePath CreatePicture(LibraryDriver *driver, const AppInfo &info, const std::string &location) {
+    LoosePath picture =
         CreateDriverPath(driver, node_kind::kFile, node_category::kThumbnail, node_subcategory::kThumbnail);
-    AddAttribute(picture, "thumb_type", "png");  // whatever the icon really is
-    AddAttribute(picture, "location", location.c_str());
-    AddAttribute(picture, "icon_image", info.icon->c_str());
-    AddAttribute(picture, "is_ipa", "true");
-    AddAttribute(picture, "is_artwork", info.is_artwork ? "true" : "false");
-    AddAttribute(picture, "st_size", std::to_string(info.icon_size).c_str());
+    AddAttribute(picture.get(), "thumb_type", "png");  // whatever the icon really is
+    AddAttribute(picture.get(), "location", location.c_str());
+    AddAttribute(picture.get(), "icon_image", info.icon->c_str());
+    AddAttribute(picture.get(), "is_ipa", "true");
+    AddAttribute(picture.get(), "is_artwork", info.is_artwork ? "true" : "false");
+    AddAttribute(picture.get(), "st_size", std::to_string(info.icon_size).c_str());
     return picture;
 }
 
@@ -21,9 +23,9 @@ DriverPath *CreatePicture(LibraryDriver *driver, const AppInfo &info, const std:
 void AddAppThumb(DriverPath *app, const AppInfo &info, const std::string &location) {
     if (!info.icon) return;
     SetAttribute(app, "media_has_thumb", "true");
-    DriverPath *thumb = CreateDriverPath(app->owner, node_kind::kFolder, node_category::kThumbnail,
-                                         node_subcategory::kThumbOfTrack);
-    AddAttribute(thumb, "location", location.c_str());
-    AppendChild(thumb, "small", CreatePicture(app->owner, info, location));
-    AppendChild(app, "thumb", thumb);
+    LoosePath thumb = CreateDriverPath(app->owner, node_kind::kFolder, node_category::kThumbnail,
+                                       node_subcategory::kThumbOfTrack);
+    AddAttribute(thumb.get(), "location", location.c_str());
+    AppendChild(thumb.get(), "small", CreatePicture(app->owner, info, location));
+    AppendChild(app, "thumb", std::move(thumb));
 }

@@ -1,6 +1,7 @@
 #include "content/application.h"
 
 #include <optional>
+#include <utility>
 
 #include "content/app_info.h"
 #include "content/app_thumb.h"
@@ -26,19 +27,18 @@ void DeleteOtherFile(const DriverPath *app, const std::string &path) {
     _wremove(Utf8ToWide(*location).c_str());
 }
 
-DriverPath *CreateApp(LibraryDriver *driver, const std::string &path, const std::string &file_name,
-                      const AppInfo &info) {
+LoosePath CreateApp(LibraryDriver *driver, const std::string &path, const std::string &file_name,
+                    const AppInfo &info) {
     const FileCategory kind = GetFileCategory(path).value_or(FileCategory{0, 0});
-    DriverPath *app =
-        CreateScannedEntry(driver, node_kind::kApplicationFile, kind.category, kind.subcategory);
-    if (const auto size = SizeOfFile(path)) AddAttribute(app, "st_size", std::to_string(*size).c_str());
-    AddAttribute(app, "location", path.c_str());
-    AddIfPresent(app, "bundleId", info.bundle_id);
-    AddIfPresent(app, "bundleVersion", info.bundle_version);
-    AddAttribute(app, "media_has_thumb", "false");
-    AddAttribute(app, "name", info.display_name.value_or(file_name).c_str());
-    AddIfPresent(app, "genre", info.genre);
-    AddAppThumb(app, info, path);
+    LoosePath app = CreateScannedEntry(driver, node_kind::kApplicationFile, kind.category, kind.subcategory);
+    if (const auto size = SizeOfFile(path)) AddAttribute(app.get(), "st_size", std::to_string(*size).c_str());
+    AddAttribute(app.get(), "location", path.c_str());
+    AddIfPresent(app.get(), "bundleId", info.bundle_id);
+    AddIfPresent(app.get(), "bundleVersion", info.bundle_version);
+    AddAttribute(app.get(), "media_has_thumb", "false");
+    AddAttribute(app.get(), "name", info.display_name.value_or(file_name).c_str());
+    AddIfPresent(app.get(), "genre", info.genre);
+    AddAppThumb(app.get(), info, path);
     return app;
 }
 
@@ -48,15 +48,15 @@ int32_t AddLocalApp(DriverPath *app_category, const std::string &path) {
     if (IsLocationKnown(app_category, path)) return 0;
     const std::string file_name(FileNameOfPath(path));
     const auto stamp = StampOfFile(path);
-    DriverPath *app = stamp ? TakeKeptEntry(app_category->owner, path, *stamp) : nullptr;
+    LoosePath app = stamp ? TakeKeptEntry(app_category->owner, path, *stamp) : nullptr;
     if (app == nullptr) {
         AppInfo info;
         const int32_t result = ReadAppInfo(path, info);
         if (result != 0) return result;
         app = CreateApp(app_category->owner, path, file_name, info);
-        if (stamp) KeepEntry(app, path, *stamp);
     }
-    AppendChild(app_category, file_name.c_str(), app);
+    DriverPath *entry = AppendChild(app_category, file_name.c_str(), std::move(app));
+    if (stamp) KeepEntry(entry, path, *stamp);
     return 0;
 }
 

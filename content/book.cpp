@@ -1,6 +1,7 @@
 #include "content/book.h"
 
 #include <optional>
+#include <utility>
 
 #include "content/book_thumb.h"
 #include "content/epub_archive.h"
@@ -38,14 +39,14 @@ std::optional<std::string> ReadBook(DriverPath *book, BookForm form, const std::
                                      : ReadEpubArchive(location, book->attributes);
 }
 
-DriverPath *CreateBook(LibraryDriver *driver, const FileCategory &kind, BookForm form, int32_t size,
-                       const std::string &location) {
-    DriverPath *book = CreateScannedEntry(driver, node_kind::kFile, kind.category, kind.subcategory);
-    AddFileAttributes(book, form, size, location);
-    AddBookThumb(book, form, location, ReadBook(book, form, location));
-    if (!FindAttribute(book, "name")) {
+LoosePath CreateBook(LibraryDriver *driver, const FileCategory &kind, BookForm form, int32_t size,
+                     const std::string &location) {
+    LoosePath book = CreateScannedEntry(driver, node_kind::kFile, kind.category, kind.subcategory);
+    AddFileAttributes(book.get(), form, size, location);
+    AddBookThumb(book.get(), form, location, ReadBook(book.get(), form, location));
+    if (!FindAttribute(book.get(), "name")) {
         const std::string_view name = FileNameOfPath(location);
-        AddAttribute(book, "name", std::string(name.substr(0, name.rfind('.'))).c_str());
+        AddAttribute(book.get(), "name", std::string(name.substr(0, name.rfind('.'))).c_str());
     }
     return book;
 }
@@ -61,12 +62,11 @@ int32_t AddLocalBook(DriverPath *book_category, const std::string &location, Dri
     const BookForm form = (status.st_mode & _S_IFMT) == _S_IFDIR ? BookForm::kFolder : BookForm::kFile;
     // The stamp of a folder says nothing of the files in it, and whoever asks for the node may add to it.
     const auto stamp = form == BookForm::kFile && book == nullptr ? StampOfFile(location) : std::nullopt;
-    DriverPath *added = stamp ? TakeKeptEntry(book_category->owner, location, *stamp) : nullptr;
-    if (added == nullptr) {
-        added = CreateBook(book_category->owner, *kind, form, status.st_size, location);
-        if (stamp) KeepEntry(added, location, *stamp);
-    }
-    AppendChild(book_category, std::string(FileNameOfPath(location)).c_str(), added);
+    LoosePath entry = stamp ? TakeKeptEntry(book_category->owner, location, *stamp) : nullptr;
+    if (entry == nullptr) entry = CreateBook(book_category->owner, *kind, form, status.st_size, location);
+    DriverPath *added =
+        AppendChild(book_category, std::string(FileNameOfPath(location)).c_str(), std::move(entry));
+    if (stamp) KeepEntry(added, location, *stamp);
     if (book != nullptr) *book = added;
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "content/book_thumb.h"
 
+#include <utility>
+
 #include "driver/attributes.h"
 #include "platform/windows/windows_api.h"
 
@@ -11,10 +13,10 @@ const char *BookFormat(const std::string &extension) {
 
 void AddBookThumb(DriverPath *book, BookForm form, const std::string &location,
                   const std::optional<std::string> &cover) {
-    DriverPath *thumb = CreateDriverPath(book->owner, node_kind::kFolder, node_category::kThumbnail,
-                                         node_subcategory::kThumbOfTrack);
-    if (form == BookForm::kFolder) AddAttribute(thumb, "is_directory", "true");
-    AddAttribute(thumb, "location", location.c_str());
-    if (cover) AddAttribute(thumb, "cover-image-path", cover->c_str());
-    AppendChild(book, "thumb", thumb);
+    LoosePath thumb = CreateDriverPath(book->owner, node_kind::kFolder, node_category::kThumbnail,
+                                       node_subcategory::kThumbOfTrack);
+    if (form == BookForm::kFolder) AddAttribute(thumb.get(), "is_directory", "true");
+    AddAttribute(thumb.get(), "location", location.c_str());
+    if (cover) AddAttribute(thumb.get(), "cover-image-path", cover->c_str());
+    AppendChild(book, "thumb", std::move(thumb));
 }

@@ -1,11 +1,13 @@
 #include "driver/child_index.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
 #include "driver/driver_path.h"
 #include "driver/text_index.h"
+#include "platform/memory/prefetch.h"
 
 namespace {
 
@@ -13,13 +15,31 @@ constexpr size_t kFirstSlots = 32;
 
 }  // namespace
 
-void ChildIndex::Reserve(size_t count) {
-    if (slots_.empty()) Resize(std::bit_ceil(count + count / 4));
+ChildIndex::ChildIndex(const DriverPath &parent) {
+    const int32_t count = ChildCount(&parent);
+    Resize(std::max(kFirstSlots, std::bit_ceil(static_cast<size_t>(count) + static_cast<size_t>(count) / 4)));
+    std::array<Key, kPrefetchedPlaces> keys;
+    for (int32_t first = 0; first < count; first += kPrefetchedPlaces) {
+        const int32_t last = std::min(count, first + kPrefetchedPlaces);
+        for (int32_t i = first; i < last; ++i) {
+            const char *name = ChildNameAt(&parent, i);
+            Key &key = keys[static_cast<size_t>(i - first)];
+            key = name == nullptr ? Key{} : KeyOf(name);
+            Prefetch(&slots_[key.hash & (slots_.size() - 1)]);
+        }
+        for (int32_t i = first; i < last; ++i)
+            Put(parent, keys[static_cast<size_t>(i - first)], i);
+    }
 }
 
-void ChildIndex::Add(const DriverPath &parent, std::string_view name, int32_t position) {
+void ChildIndex::Add(const DriverPath &parent, int32_t position) {
+    const char *name = ChildNameAt(&parent, position);
+    Put(parent, name == nullptr ? Key{} : KeyOf(name), position);
+}
+
+void ChildIndex::Put(const DriverPath &parent, const Key &key, int32_t position) {
+    if (key.text.data() == nullptr) return;
     if (slots_.size() - slots_.size() / 8 <= used_) Resize(std::max(kFirstSlots, slots_.size() * 2));
-    const Key key = KeyOf(name);
     Slot &slot = slots_[SlotOf(parent, key)];
     if (slot.next != 0) return;
     slot.hash = key.hash;
@@ -30,7 +50,7 @@ void ChildIndex::Add(const DriverPath &parent, std::string_view name, int32_t po
 }
 
 DriverPath *ChildIndex::Find(const DriverPath &parent, std::string_view name) const {
-    return slots_.empty() ? nullptr : slots_[SlotOf(parent, KeyOf(name))].child;
+    return slots_[SlotOf(parent, KeyOf(name))].child;
 }
 
 ChildIndex::Key ChildIndex::KeyOf(std::string_view name) {

@@ -13,12 +13,12 @@ struct DriverPath;
 // A longer name is compared where it stands in the parent's array.
 class ChildIndex {
   public:
-    // Room for a first `count` names.
-    void Reserve(size_t count);
+    // Takes in all children of a parent.
+    explicit ChildIndex(const DriverPath &parent);
 
-    // Takes in the name and the child at a position of the parent, unless a child of this name is there: the
-    // first stays.
-    void Add(const DriverPath &parent, std::string_view name, int32_t position);
+    // Takes in the child at a position of the parent, unless it has no name or a child of this name is there:
+    // the first stays.
+    void Add(const DriverPath &parent, int32_t position);
 
     // Null for an unknown name.
     DriverPath *Find(const DriverPath &parent, std::string_view name) const;
@@ -41,6 +41,7 @@ class ChildIndex {
     };
 
     static Key KeyOf(std::string_view name);
+    void Put(const DriverPath &parent, const Key &key, int32_t position);
     static bool IsAt(const Slot &slot, const DriverPath &parent, const Key &key);
     // The slot that holds the name, or the free one where it would go.
     size_t SlotOf(const DriverPath &parent, const Key &key) const;

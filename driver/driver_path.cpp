@@ -18,26 +18,23 @@ constexpr int32_t kGeniusPosition = 1;
 constexpr int32_t kPlaylistPosition = 2;
 
 // Names come from the pool, like the nodes: a library has more of them than of anything else.
-char *NewName(std::string_view name) {
+void FreeName(char *name) {
+    if (name != nullptr) ReturnToPool(name, std::strlen(name) + 1);
+}
+
+void AppendName(DriverPath *path, std::string_view name) {
     auto *copy = static_cast<char *>(TakeFromPool(name.size() + 1));
     if (copy == nullptr) throw std::bad_alloc();
     name.copy(copy, name.size());
     copy[name.size()] = '\0';
-    return copy;
-}
-
-void FreeName(char *name) {
-    if (name != nullptr) ReturnToPool(name, std::strlen(name) + 1);
+    if (AddVelmarArrayItem(path->names, copy) == 0) return;
+    FreeName(copy);
+    throw std::bad_alloc();
 }
 
 bool HasName(const DriverPath *path, int32_t index, std::string_view name) {
     const char *text = ChildNameAt(path, index);
     return text != nullptr && text == name;
-}
-
-void IndexName(DriverPath *path, int32_t index) {
-    const char *text = ChildNameAt(path, index);
-    if (text != nullptr) path->child_index->Add(*path, text, index);
 }
 
 void FreeNames(VelmarArray *names) {
@@ -82,6 +79,22 @@ void LinkToParent(DriverPath *parent, DriverPath *child) {
     NoteAppendedChild(parent, child, !first_holder);
 }
 
+void Hang(DriverPath *parent, const char *name, DriverPath *child) {
+    DriverPath *const first_parent = child->parent;
+    const int32_t position = ChildCount(parent);
+    if (AddVelmarArrayItem(parent->children, child) != 0) throw std::bad_alloc();
+    try {
+        if (name != nullptr) {
+            AppendName(parent, name);
+            if (parent->child_index) parent->child_index->Add(*parent, GetVelmarArraySize(parent->names) - 1);
+        }
+        if (HangsInTree(parent)) LinkToParent(parent, child);
+    } catch (const std::bad_alloc &) {
+        DetachChild(parent, position).release()->parent = first_parent;
+        throw;
+    }
+}
+
 // A host may still read the names and attributes of a node that it has open; its children go at once.
 void DropNode(DriverPath *path) {
     if (path->open_count == 0) {
@@ -116,6 +129,7 @@ void ReleaseSubtree(DriverPath *path, void (*release)(DriverPath *)) {
             node = holder;
             continue;
         }
+        PrefetchPath(ChildAt(node, last - kPrefetchedPlaces));
         DriverPath *child = GiveUp(ChildAt(node, last), node);
         DeleteVelmarArrayItem(node->children, last);
         if (child != nullptr) node = child;
@@ -132,8 +146,12 @@ int32_t DepthOf(const DriverPath *path) {
 
 }  // namespace
 
-DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
-    std::unique_ptr<DriverPath> path(new DriverPath);
+void ReleasePath::operator()(DriverPath *path) const {
+    ReleaseDriverPath(path);
+}
+
+LoosePath CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
+    LoosePath path(new DriverPath);
     if (path == nullptr) throw std::bad_alloc();
     path->owner = driver;
     path->kind = kind;
@@ -146,16 +164,16 @@ DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t catego
         FreeNode(path.release());
         throw std::bad_alloc();
     }
-    return path.release();
+    return path;
 }
 
-void AppendChild(DriverPath *parent, const char *name, DriverPath *child) {
-    AddVelmarArrayItem(parent->children, child);
-    if (name != nullptr) {
-        AddVelmarArrayItem(parent->names, NewName(name));
-        if (parent->child_index) IndexName(parent, GetVelmarArraySize(parent->names) - 1);
-    }
-    if (HangsInTree(parent)) LinkToParent(parent, child);
+DriverPath *AppendChild(DriverPath *parent, const char *name, LoosePath child) {
+    Hang(parent, name, child.get());
+    return child.release();
+}
+
+void AppendTrack(DriverPath *list, const char *name, DriverPath *track) {
+    Hang(list, name, track);
 }
 
 int32_t ChildCount(const DriverPath *path) {
@@ -175,12 +193,8 @@ const char *ChildNameAt(const DriverPath *path, int32_t index) {
 }
 
 void IndexChildNames(DriverPath *path) {
-    const int32_t count = GetVelmarArraySize(path->names);
-    if (path->child_index || count < kFewChildren) return;
-    path->child_index = std::make_unique<ChildIndex>();
-    path->child_index->Reserve(static_cast<size_t>(count));
-    for (int32_t i = 0; i < count; ++i)
-        IndexName(path, i);
+    if (path->child_index || GetVelmarArraySize(path->names) < kFewChildren) return;
+    path->child_index = std::make_unique<ChildIndex>(*path);
 }
 
 DriverPath *FindChild(DriverPath *path, std::string_view name) {
@@ -197,8 +211,8 @@ void ReleaseDriverPath(DriverPath *path) {
     ReleaseSubtree(path, FreeNode);
 }
 
-DriverPath *DetachChild(DriverPath *parent, int32_t index) {
-    DriverPath *child = ChildAt(parent, index);
+LoosePath DetachChild(DriverPath *parent, int32_t index) {
+    LoosePath child(ChildAt(parent, index));
     FreeName(const_cast<char *>(ChildNameAt(parent, index)));
     DeleteVelmarArrayItem(parent->names, index);
     DeleteVelmarArrayItem(parent->children, index);
@@ -209,7 +223,7 @@ DriverPath *DetachChild(DriverPath *parent, int32_t index) {
 }
 
 void DropChild(DriverPath *parent, int32_t index) {
-    ReleaseSubtree(DetachChild(parent, index), DropNode);
+    ReleaseSubtree(DetachChild(parent, index).release(), DropNode);
 }
 
 bool IsOpenBelow(const DriverPath *path) {
@@ -259,7 +273,5 @@ DriverPath *CreateCategoryPath(LibraryDriver *driver, const char *name, int32_t 
                                int32_t subcategory) {
     DriverPath *library = GetLibraryRoot(driver);
     if (library == nullptr || library->children == nullptr) return nullptr;
-    DriverPath *path = CreateDriverPath(driver, kind, category, subcategory);
-    AppendChild(library, name, path);
-    return path;
+    return AppendChild(library, name, CreateDriverPath(driver, kind, category, subcategory));
 }

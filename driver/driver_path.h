@@ -12,6 +12,7 @@
 #include "platform/core_foundation/core_foundation.h"
 #include "platform/itl_parser/itl_parser.h"
 #include "platform/memory/pool.h"
+#include "platform/memory/prefetch.h"
 
 // The numbers that type a node.
 namespace node_kind {
@@ -86,11 +87,28 @@ struct DriverPath : Pooled {
     std::unique_ptr<ChildIndex> child_index;
 };
 
-// Makes a node that hangs nowhere. Throws std::bad_alloc.
-DriverPath *CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory);
+// Sends for the memory of a node. Null is passed over.
+inline void PrefetchPath(const DriverPath *path) {
+    if (path == nullptr) return;
+    Prefetch(path);
+    Prefetch(&path->sequence);
+}
 
-// Hangs a node under a parent, behind its other children, with a copy of the name.
-void AppendChild(DriverPath *parent, const char *name, DriverPath *child);
+struct ReleasePath {
+    void operator()(DriverPath *path) const;
+};
+// A node that hangs nowhere, with its subtree.
+using LoosePath = std::unique_ptr<DriverPath, ReleasePath>;
+
+// Throws std::bad_alloc.
+LoosePath CreateDriverPath(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory);
+
+// Hangs a node under a parent, behind its other children, with a copy of the name; null for a child that no
+// path reaches. Throws std::bad_alloc, with the tree as it was.
+DriverPath *AppendChild(DriverPath *parent, const char *name, LoosePath child);
+
+// The same with a track, which stays the library's, so that several lists can hold it.
+void AppendTrack(DriverPath *list, const char *name, DriverPath *track);
 
 int32_t ChildCount(const DriverPath *path);
 // Null when there is no such child.
@@ -109,7 +127,7 @@ void IndexChildNames(DriverPath *path);
 void ReleaseDriverPath(DriverPath *path);
 
 // Takes the child at a position out of the tree, with its name, and hands it over with its subtree.
-DriverPath *DetachChild(DriverPath *parent, int32_t index);
+LoosePath DetachChild(DriverPath *parent, int32_t index);
 
 // Takes the child at a position out of the tree, with its name, and releases its subtree. What the host has
 // open of it stays until the last close.

@@ -26,7 +26,8 @@ void AddFixedChild(LibraryDriver *driver, const char *name, int32_t subcategory)
 }
 
 void CreateRoot(LibraryDriver *driver) {
-    driver->root = CreateDriverPath(driver, node_kind::kRoot, node_category::kNone, node_subcategory::kNone);
+    driver->root =
+        CreateDriverPath(driver, node_kind::kRoot, node_category::kNone, node_subcategory::kNone).release();
     AddAttribute(driver->root, "terminal_type", "iTunes");
     if (driver->parser) {
         AddAttribute(driver->root, "persistent_id", driver->parser->persistentId().c_str());

@@ -11,11 +11,15 @@ constexpr int64_t kNeighbours = 8;
 
 }  // namespace
 
-size_t NumberIndex::SlotOf(int64_t number) const {
-    const size_t mask = slots_.size() - 1;
+size_t NumberIndex::FirstPlace(int64_t number) const {
     // Numbers that follow each other, as those of tracks in a list often do, lie beside each other.
     const int64_t group = number & ~(kNeighbours - 1);
-    size_t at = (HashOf(group) * size_t{kNeighbours} + static_cast<size_t>(number - group)) & mask;
+    return (HashOf(group) * size_t{kNeighbours} + static_cast<size_t>(number - group)) & (slots_.size() - 1);
+}
+
+size_t NumberIndex::SlotOf(int64_t number) const {
+    const size_t mask = slots_.size() - 1;
+    size_t at = FirstPlace(number);
     while (slots_[at].path != nullptr && slots_[at].number != number)
         at = (at + 1) & mask;
     return at;

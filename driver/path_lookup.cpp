@@ -129,16 +129,14 @@ void IndexNewLocations(LocationIndex &index, const DriverPath *parent) {
 void NoteAppendedChild(DriverPath *parent, DriverPath *child, bool moved) {
     LibraryDriver *driver = child->owner;
     TreeIndex &index = driver->index;
+    // What hangs below a node that moves comes earlier now, too.
+    const bool stays_built = index.persistent_ids_built && (ChildCount(child) == 0 || !moved);
+    index.persistent_ids_built = false;  // for good, if memory runs out here
+    if (stays_built) EnterPersistentId(index, child);
     if (parent == GetLibraryRoot(driver)) {
         index.category_roots[NumbersKey(child->category, child->subcategory)] = child;
     }
-    if (!index.persistent_ids_built) return;
-    if (ChildCount(child) != 0 && moved) {
-        // What hangs below it comes earlier now, too.
-        index.persistent_ids_built = false;
-    } else {
-        EnterPersistentId(index, child);
-    }
+    index.persistent_ids_built = stays_built;
 }
 
 void NoteDroppedChild(DriverPath *parent) {
@@ -164,6 +162,17 @@ void IndexNewTrack(LibraryDriver *driver, DriverPath *track, std::string_view id
 DriverPath *FindTrackByNumber(LibraryDriver *driver, int64_t id) {
     IndexNewTracks(driver);
     return driver->index.track_numbers.Find(id);
+}
+
+void FindTracksByNumber(LibraryDriver *driver, std::span<const int64_t> ids, DriverPath **tracks) {
+    IndexNewTracks(driver);
+    const NumberIndex &numbers = driver->index.track_numbers;
+    for (const int64_t id : ids)
+        numbers.PrefetchPlace(id);
+    for (size_t i = 0; i < ids.size(); ++i) {
+        tracks[i] = numbers.Find(ids[i]);
+        PrefetchPath(tracks[i]);
+    }
 }
 
 DriverPath *FindTrackById(LibraryDriver *driver, std::string_view id) {

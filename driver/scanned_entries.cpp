@@ -1,5 +1,7 @@
 #include "driver/scanned_entries.h"
 
+#include <utility>
+
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
 #include "driver/path_lookup.h"
@@ -22,8 +24,7 @@ void RemoveEntry(DriverPath *parent, int32_t index) {
         if (record != files.end()) files.erase(record);
         DropChild(parent, index);
     } else {
-        DetachChild(parent, index);
-        record->second.waits = true;
+        record->second.waiting = DetachChild(parent, index);
     }
 }
 
@@ -36,8 +37,8 @@ void RemoveScannedChildren(DriverPath *parent) {
 
 }  // namespace
 
-DriverPath *CreateScannedEntry(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
-    DriverPath *entry = CreateDriverPath(driver, kind, category, subcategory);
+LoosePath CreateScannedEntry(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory) {
+    LoosePath entry = CreateDriverPath(driver, kind, category, subcategory);
     entry->from_folder_scan = 1;
     return entry;
 }
@@ -63,24 +64,19 @@ void RemoveScannedEntries(LibraryDriver *driver) {
 }
 
 void KeepEntry(DriverPath *entry, const std::string &location, const FileStamp &stamp) {
-    const auto [place, added] =
-        entry->owner->scanned_files.try_emplace(location, ScannedFile{entry, stamp, false});
-    if (added) return;
-    if (place->second.waits) ReleaseDriverPath(place->second.entry);
-    place->second = {entry, stamp, false};
+    entry->owner->scanned_files.insert_or_assign(location, ScannedFile{entry, stamp, nullptr});
 }
 
-DriverPath *TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp) {
+LoosePath TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp) {
     const auto found = driver->scanned_files.find(location);
-    if (found == driver->scanned_files.end() || !found->second.waits || found->second.stamp != stamp)
+    if (found == driver->scanned_files.end() || found->second.waiting == nullptr ||
+        found->second.stamp != stamp)
         return nullptr;
-    found->second.waits = false;
-    return found->second.entry;
+    LoosePath entry = std::move(found->second.waiting);
+    driver->scanned_files.erase(found);
+    return entry;
 }
 
 void ReleaseKeptEntries(LibraryDriver *driver) {
-    std::erase_if(driver->scanned_files, [](const auto &file) {
-        if (file.second.waits) ReleaseDriverPath(file.second.entry);
-        return file.second.waits;
-    });
+    std::erase_if(driver->scanned_files, [](const auto &file) { return file.second.waiting != nullptr; });
 }

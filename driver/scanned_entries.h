@@ -11,7 +11,7 @@
 // What scans of folders put into the tree, beside what the library lists: the nodes with `from_folder_scan`.
 
 // Makes a node of a scan, which hangs nowhere yet. Throws std::bad_alloc.
-DriverPath *CreateScannedEntry(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory);
+LoosePath CreateScannedEntry(LibraryDriver *driver, int32_t kind, int32_t category, int32_t subcategory);
 
 // The category root under "library" with this subcategory, made under the name if there is none. Null when
 // there is no "library".
@@ -25,12 +25,12 @@ int32_t TakeScannedId(LibraryDriver *driver);
 // last close. Entries of files that are kept, and that no host has open, wait for the scan that follows.
 void RemoveScannedEntries(LibraryDriver *driver);
 
-// Keeps what was read of a file for the scans to come, under its stamp.
+// Keeps what was read of a file for the scans to come, under its stamp. The entry hangs in the tree.
 void KeepEntry(DriverPath *entry, const std::string &location, const FileStamp &stamp);
 
 // The entry of a file that waits since RemoveScannedEntries, if the file has not changed since it was read.
-// It hangs nowhere, and is the caller's to hang. Null otherwise.
-DriverPath *TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp);
+// It is kept no longer. Null otherwise.
+LoosePath TakeKeptEntry(LibraryDriver *driver, const std::string &location, const FileStamp &stamp);
 
 // Releases the entries that no scan has taken: their files are gone or have changed.
 void ReleaseKeptEntries(LibraryDriver *driver);

@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_map>
 
-struct DriverPath;
+#include "driver/driver_path.h"
 
 // What tells whether a file is still the one that was read. Times are seconds since 1970.
 struct FileStamp {
@@ -20,7 +20,8 @@ struct FileStamp {
 struct ScannedFile {
     DriverPath *entry;
     FileStamp stamp;
-    bool waits;  // between the removal of the entries and the scan that follows: hangs nowhere
+    LoosePath
+        waiting;  // the entry between the removal of all of them and the scan that follows; null otherwise
 };
 
 // By location.

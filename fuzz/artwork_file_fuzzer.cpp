@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
         tree.driver.library_folder = BackslashPath(work.Place());
         DriverPath *music =
             EnsureCategoryPath(&tree.driver, "music", node_category::kAudio, node_subcategory::kMusic);
-        DriverPath *track = CreateDriverPath(&tree.driver, node_kind::kFile, node_category::kAudio, 0);
-        AppendChild(music, "1.mp3", track);
+        DriverPath *track = AppendChild(
+            music, "1.mp3", CreateDriverPath(&tree.driver, node_kind::kFile, node_category::kAudio, 0));
         const DriverPath *thumb = AddThumbNode(track, node_subcategory::kThumbOfTrack, location.c_str());
         CheckTree(&tree.driver, "library/music");
         Require(ChildCount(thumb) == static_cast<int32_t>(images ? images->size() : 0),

@@ -1,5 +1,6 @@
 #include "library/movie_pass.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <unordered_set>
@@ -40,9 +41,11 @@ void AddMasterMovies(LibraryDriver *driver) {
     std::unordered_set<std::string> held;
     const int32_t count = ChildCount(driver->master_playlist);
     for (int32_t i = 0; i < count; ++i) {
+        Prefetch(ChildAt(driver->master_playlist, std::min(i + kPrefetchedPlaces, count - 1)));
         const DriverPath *track = ChildAt(driver->master_playlist, i);
+        if (!IsMovie(track)) continue;
         const auto id = FindAttribute(track, "id");
-        if (!id || !IsMovie(track)) continue;
+        if (!id) continue;
         if (root == nullptr) {
             root = EnsureCategoryRoot(driver, kMovies);
             held = IdsUnder(root);

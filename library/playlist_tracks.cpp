@@ -1,5 +1,6 @@
 // A track under a list: its name there, and what a list of books or applications adds to it.
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <iterator>
 #include <string>
@@ -70,16 +71,30 @@ void AddToMediaList(DriverPath *track, const DriverPath *list) {
     }
 }
 
-}  // namespace
-
-void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
-    DriverPath *track = FindTrackByNumber(driver, id);
+void HangTrack(DriverPath *list, DriverPath *track, int64_t id) {
     if (track == nullptr) return;
     constexpr size_t kMostDigits = 24;
     char name[kMostDigits + kLongestListExtension + 1] = {};
     char *end = std::to_chars(name, name + kMostDigits, id).ptr;
     std::copy(std::begin(track->list_extension), std::end(track->list_extension), end);
-    AppendChild(list, name, track);
+    AppendTrack(list, name, track);
     ++track->share_count;
     AddToMediaList(track, list);
+}
+
+}  // namespace
+
+void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id) {
+    HangTrack(list, FindTrackByNumber(driver, id), id);
+}
+
+void AddTracksToPlaylist(LibraryDriver *driver, DriverPath *list, std::span<const int64_t> ids) {
+    std::array<DriverPath *, kPrefetchedPlaces> tracks;
+    while (!ids.empty()) {
+        const auto some = ids.first(std::min(ids.size(), tracks.size()));
+        FindTracksByNumber(driver, some, tracks.data());
+        for (size_t i = 0; i < some.size(); ++i)
+            HangTrack(list, tracks[i], some[i]);
+        ids = ids.subspan(some.size());
+    }
 }

@@ -1,6 +1,7 @@
 #include "library/playlists.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "content/plist_values.h"
 #include "driver/attributes.h"
@@ -124,15 +125,14 @@ DriverPath *CreatePlaylistPath(LibraryDriver *driver, const PlaylistRecord &reco
         DriverPath *shared = FindCategoryRoot(driver, kind.category, kind.subcategory);
         if (shared != nullptr) return shared;
     }
-    DriverPath *path = CreateDriverPath(driver, parent->kind, kind.category, SubcategoryOf(kind, record));
+    LoosePath path = CreateDriverPath(driver, parent->kind, kind.category, SubcategoryOf(kind, record));
     if (kind.name == nullptr && !record.name) {
-        driver->unnamed_lists.push_back(path);
-        return path;
+        driver->unnamed_lists.push_back(path.get());
+        return path.release();
     }
-    if (record.persistent_id) AddAttribute(path, "persistent_id", record.persistent_id->c_str());
-    AppendChild(HolderOf(driver, record, parent), kind.name != nullptr ? kind.name : record.name->c_str(),
-                path);
-    return path;
+    if (record.persistent_id) AddAttribute(path.get(), "persistent_id", record.persistent_id->c_str());
+    return AppendChild(HolderOf(driver, record, parent),
+                       kind.name != nullptr ? kind.name : record.name->c_str(), std::move(path));
 }
 
 int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dictionary) {
@@ -143,6 +143,8 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
     if (!IsArray(value)) return 0;
     const auto items = static_cast<CFArrayRef>(value);
     const CFIndex count = CFArrayGetCount(items);
+    std::vector<int64_t> ids;
+    ids.reserve(static_cast<size_t>(count));
     for (CFIndex i = 0; i < count; ++i) {
         const void *item = CFArrayGetValueAtIndex(items, i);
         if (!IsDictionary(item)) continue;
@@ -150,14 +152,14 @@ int32_t AddPlaylistItems(LibraryDriver *driver, DriverPath *path, CFTypeRef dict
         int64_t id = 0;
         if (IsNumber(number) &&
             CFNumberGetValue(static_cast<CFNumberRef>(number), kCFNumberSInt64Type, &id)) {
-            AddTrackToPlaylist(driver, path, id);
+            ids.push_back(id);
         }
     }
+    AddTracksToPlaylist(driver, path, ids);
     return 0;
 }
 
 int32_t AddParserPlaylistItems(LibraryDriver *driver, DriverPath *path, const std::vector<int32_t> &items) {
-    for (const int32_t id : items)
-        AddTrackToPlaylist(driver, path, id);
+    AddTracksToPlaylist(driver, path, std::vector<int64_t>(items.begin(), items.end()));
     return 0;
 }

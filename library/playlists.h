@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,5 +32,8 @@ int32_t AddParserPlaylistItems(LibraryDriver *driver, DriverPath *path, const st
 
 // Hangs the track with this id under a list; an id without a track is passed over.
 void AddTrackToPlaylist(LibraryDriver *driver, DriverPath *list, int64_t id);
+
+// The same for each id in turn.
+void AddTracksToPlaylist(LibraryDriver *driver, DriverPath *list, std::span<const int64_t> ids);
 
 #endif

@@ -22,7 +22,7 @@ std::string NameOf(const DriverPath *track, std::string_view id) {
 void HangUnderRoot(LibraryDriver *driver, DriverPath *track, std::string_view id) {
     const bool is_video = track->category == node_category::kVideo;
     DriverPath *root = EnsureCategoryRoot(driver, is_video ? kMovies : kMusic);
-    if (root != nullptr) AppendChild(root, NameOf(track, id).c_str(), track);
+    if (root != nullptr) AppendTrack(root, NameOf(track, id).c_str(), track);
 }
 
 void MergeTracks(LibraryDriver *driver, CFDictionaryRef tracks) {

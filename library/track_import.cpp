@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <new>
 
 #include "content/path_text.h"
 #include "content/plist_values.h"
@@ -84,12 +85,13 @@ void ImportParserTrack(DriverPath *path, TrackImportRoom &room) {
 }
 
 DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
-    DriverPath *path =
+    LoosePath path =
         CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
-    AddAttribute(path, "id", id);
-    AddVelmarArrayItem(driver->tracks, path);
-    IndexNewTrack(driver, path, id);
-    return path;
+    AddAttribute(path.get(), "id", id);
+    if (AddVelmarArrayItem(driver->tracks, path.get()) != 0) throw std::bad_alloc();
+    DriverPath *track = path.release();
+    IndexNewTrack(driver, track, id);
+    return track;
 }
 
 void LoadParserTracks(LibraryDriver *driver, TrackImportRoom &room) {
