@@ -21,8 +21,9 @@ struct ThumbTree : MediaTree {
     DriverPath *AddThumb(const std::string &file_name, const std::string &location,
                          DriverPath *root = nullptr) {
         if (root == nullptr) root = music;
-        DriverPath *file = CreateDriverPath(&driver, node_kind::kFile, root->category, root->subcategory);
-        AppendChild(root, file_name.c_str(), file);
+        DriverPath *file =
+            AppendChild(root, file_name.c_str(),
+                        CreateDriverPath(&driver, node_kind::kFile, root->category, root->subcategory));
         return AddThumbNode(file, node_subcategory::kThumbOfTrack, location.c_str());
     }
     // The node that a path text names, or null.

@@ -2,8 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <random>
+#include <utility>
 
 #include "tests/driver/copy_fixture.h"
 #include "tests/driver/fake_windows.h"
@@ -131,6 +135,45 @@ TEST(Copy, EachSourceGivesItsNameAndItsBytes) {
     for (const char *ending : {".mpg", "1.mpg", "2.mpg"})
         expected[stem + ending] = block;
     EXPECT_EQ(copy.Files(), expected);
+}
+
+TEST(Copy, OfProcessesThatAreKilledHarmsNoOtherFile) {
+    std::mt19937 random(7);
+    CopyFixture copy;
+    // What else iTunes has lies beside the folder.
+    for (const char *name : {"media/iTunes Library.xml", "media/iTunesPrefs.xml"})
+        copy.folder.Write(name, name);
+    copy.Write("Automatically Add to iTunes/x1.mp3", "old");
+    copy.Put("location", "C:/x.mp3");
+    int cut_short = 0;
+    for (int round = 0; round < 100; ++round) {
+        std::vector<pid_t> children;
+        for (const char letter : {'a', 'b'}) {
+            children.push_back(fork());
+            while (children.back() == 0) {
+                copy.TakeStream(std::string(1 << 20, letter), 1 << 20);
+                if (CopyDriverPath(&copy.driver, 0, "", &copy.source) != 0) _exit(1);
+            }
+        }
+        usleep(static_cast<useconds_t>(random() % 4000));
+        for (const pid_t child : children) {
+            ASSERT_EQ(kill(child, SIGKILL), 0);
+            ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        }
+        Files files = copy.Files();
+        EXPECT_EQ(std::exchange(files["x1.mp3"], ""), "old");
+        int incomplete = -1;  // for the file that is no copy
+        for (const auto &[name, bytes] : files) {
+            EXPECT_EQ(bytes, std::string(bytes.size(), bytes.empty() ? ' ' : bytes[0])) << name;
+            incomplete += bytes.size() != 1 << 20;
+            if (name != "x1.mp3") std::filesystem::remove(copy.folder.path() / CopyFixture::kFolder / name);
+        }
+        EXPECT_LE(incomplete, 2);
+        cut_short += incomplete;
+    }
+    EXPECT_GT(cut_short, 0) << "no copy was met while it wrote";
+    for (const char *name : {"media/iTunes Library.xml", "media/iTunesPrefs.xml"})
+        EXPECT_EQ(ReadWholeFile(copy.folder.path() / name), name);
 }
 
 TEST(Copy, OfAnApplicationDeletesItsOtherFiles) {

@@ -12,10 +12,9 @@ struct ScannedEntries : BareTree, testing::Test {
 
     // Its file has the same name.
     DriverPath *AddScanned(const std::string &name) {
-        DriverPath *entry = CreateScannedEntry(&driver, node_kind::kFile, 5, 50);
-        AddAttribute(entry, "location", name.c_str());
-        AppendChild(books, name.c_str(), entry);
-        return entry;
+        LoosePath entry = CreateScannedEntry(&driver, node_kind::kFile, 5, 50);
+        AddAttribute(entry.get(), "location", name.c_str());
+        return AppendChild(books, name.c_str(), std::move(entry));
     }
     DriverPath *AddFromLibrary(const std::string &name, const std::string &location) {
         DriverPath *track = AddTrack(name, "");
@@ -75,8 +74,10 @@ TEST_F(ScannedEntries, AnEntryWaitsForItsFileUnlessAHostHasItOpenOrTheFileChange
     EXPECT_EQ(TakeKeptEntry(&driver, "opened", stamp), nullptr);
     EXPECT_EQ(TakeKeptEntry(&driver, "changed", {1, 2, 4}), nullptr);
     KeepEntry(AddScanned("changed"), "changed", {1, 2, 4});
-    EXPECT_EQ(TakeKeptEntry(&driver, "kept", stamp), kept);
-    AppendChild(books, "kept", kept);
+    LoosePath taken = TakeKeptEntry(&driver, "kept", stamp);
+    EXPECT_EQ(taken.get(), kept);
+    EXPECT_EQ(TakeKeptEntry(&driver, "kept", stamp), nullptr) << "taken";
+    KeepEntry(AppendChild(books, "kept", std::move(taken)), "kept", stamp);
     ReleaseKeptEntries(&driver);
     EXPECT_EQ(driver.scanned_files.size(), 2U);
     CloseDriverPath(opened);

@@ -12,11 +12,11 @@ namespace {
 struct FetchedStream : MediaTree, testing::Test {
     // The bytes of a new node with these attributes, and its size then.
     std::string Bytes(const std::map<std::string, std::string> &attributes) {
-        DriverPath *node = CreateDriverPath(&driver, node_kind::kFile, 4, 44);
+        const std::string name = std::to_string(ChildCount(GetLibraryRoot(&driver)));
+        DriverPath *node = AppendChild(GetLibraryRoot(&driver), name.c_str(),
+                                       CreateDriverPath(&driver, node_kind::kFile, 4, 44));
         for (const auto &[key, value] : attributes)
             AddAttribute(node, key.c_str(), value.c_str());
-        const std::string name = std::to_string(ChildCount(GetLibraryRoot(&driver)));
-        AppendChild(GetLibraryRoot(&driver), name.c_str(), node);
         const auto bytes = StreamBytes(&driver, "library/" + name, 100);
         return bytes ? *bytes + ":" + std::string(FindAttribute(node, "st_size").value_or("")) : "none";
     }

@@ -12,28 +12,27 @@ struct BareTree {
 
     BareTree() {
         AllocVelmarArray(&driver.tracks);
-        driver.root = CreateDriverPath(&driver, node_kind::kRoot, 0, 0);
+        driver.root = CreateDriverPath(&driver, node_kind::kRoot, 0, 0).release();
         for (const char *name : {"library", "genius", "playlist"})
             AddList(driver.root, name, "");
     }
     ~BareTree() { DestroyLibrary(&driver); }
 
     DriverPath *AddList(DriverPath *parent, const std::string &name, const std::string &persistent_id) {
-        DriverPath *list =
+        LoosePath list =
             CreateDriverPath(&driver, node_kind::kFolder, node_category::kList, node_subcategory::kPlaylist);
-        if (!persistent_id.empty()) AddAttribute(list, "persistent_id", persistent_id.c_str());
-        AppendChild(parent, name.c_str(), list);
-        return list;
+        if (!persistent_id.empty()) AddAttribute(list.get(), "persistent_id", persistent_id.c_str());
+        return AppendChild(parent, name.c_str(), std::move(list));
     }
     DriverPath *AddTrack(const std::string &id, const std::string &persistent_id) {
-        DriverPath *track = CreateDriverPath(&driver, node_kind::kFile, 0, 0);
+        DriverPath *track = CreateDriverPath(&driver, node_kind::kFile, 0, 0).release();
         AddAttribute(track, "id", id.c_str());
         if (!persistent_id.empty()) AddAttribute(track, "persistent_id", persistent_id.c_str());
         AddVelmarArrayItem(driver.tracks, track);
         return track;
     }
     static void Hold(DriverPath *list, const std::string &name, DriverPath *track) {
-        AppendChild(list, name.c_str(), track);
+        AppendTrack(list, name.c_str(), track);
         ++track->share_count;
     }
 };

@@ -112,12 +112,12 @@ TEST(ReleaseDriverPath, ATrackInTwoListsGoesWithTheSecond) {
     BareTree tree;
     DriverPath *track = tree.AddTrack("1", "");
     // These lists hang nowhere, so that they can be released one by one.
-    DriverPath *lists[] = {CreateDriverPath(&tree.driver, 1, 1, 4), CreateDriverPath(&tree.driver, 1, 1, 4)};
-    for (DriverPath *list : lists)
-        BareTree::Hold(list, "1", track);
-    ReleaseDriverPath(lists[0]);
+    LoosePath lists[] = {CreateDriverPath(&tree.driver, 1, 1, 4), CreateDriverPath(&tree.driver, 1, 1, 4)};
+    for (const LoosePath &list : lists)
+        BareTree::Hold(list.get(), "1", track);
+    lists[0].reset();
     EXPECT_EQ(track->share_count, 1);
-    ReleaseDriverPath(lists[1]);
+    lists[1].reset();
     // The track is gone now, so the driver must not meet it again: the leak checker tells if it is not.
     FreeVelmarArray(tree.driver.tracks);
     AllocVelmarArray(&tree.driver.tracks);

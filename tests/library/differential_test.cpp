@@ -80,10 +80,9 @@ class SlowTree : public BareTree {
         if (text) AddAttribute(node, key, text->c_str());
     }
     DriverPath *Hang(DriverPath *parent, const std::string &name, int category, int subcategory) {
-        DriverPath *node = CreateDriverPath(&driver, node_kind::kFolder, category, subcategory);
-        if (parent == nullptr) driver.unnamed_lists.push_back(node);
-        if (parent != nullptr) AppendChild(parent, name.c_str(), node);
-        return node;
+        LoosePath node = CreateDriverPath(&driver, node_kind::kFolder, category, subcategory);
+        if (parent != nullptr) return AppendChild(parent, name.c_str(), std::move(node));
+        return driver.unnamed_lists.emplace_back(node.release());
     }
     DriverPath *Root(int32_t number) const { return ChildAt(driver.root, number); }
 
