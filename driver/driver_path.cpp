@@ -27,9 +27,12 @@ void AppendName(DriverPath *path, std::string_view name) {
     if (copy == nullptr) throw std::bad_alloc();
     name.copy(copy, name.size());
     copy[name.size()] = '\0';
-    if (AddVelmarArrayItem(path->names, copy) == 0) return;
-    FreeName(copy);
-    throw std::bad_alloc();
+    try {
+        AppendItem(path->names, copy);
+    } catch (const std::bad_alloc &) {
+        FreeName(copy);
+        throw;
+    }
 }
 
 bool HasName(const DriverPath *path, int32_t index, std::string_view name) {
@@ -82,7 +85,7 @@ void LinkToParent(DriverPath *parent, DriverPath *child) {
 void Hang(DriverPath *parent, const char *name, DriverPath *child) {
     DriverPath *const first_parent = child->parent;
     const int32_t position = ChildCount(parent);
-    if (AddVelmarArrayItem(parent->children, child) != 0) throw std::bad_alloc();
+    AppendItem(parent->children, child);
     try {
         if (name != nullptr) {
             AppendName(parent, name);
@@ -145,6 +148,12 @@ int32_t DepthOf(const DriverPath *path) {
 }
 
 }  // namespace
+
+void AppendItem(VelmarArray *array, void *item) {
+    const int32_t count = GetVelmarArraySize(array);
+    AddVelmarArrayItem(array, item);
+    if (GetVelmarArraySize(array) == count) throw std::bad_alloc();
+}
 
 void ReleasePath::operator()(DriverPath *path) const {
     ReleaseDriverPath(path);

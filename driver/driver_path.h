@@ -87,6 +87,10 @@ struct DriverPath : Pooled {
     std::unique_ptr<ChildIndex> child_index;
 };
 
+// Adds an item to an array of the host's library, whose result does not tell whether there was memory. Throws
+// std::bad_alloc where there was none.
+void AppendItem(VelmarArray *array, void *item);
+
 // Sends for the memory of a node. Null is passed over.
 inline void PrefetchPath(const DriverPath *path) {
     if (path == nullptr) return;

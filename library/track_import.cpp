@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <new>
 
 #include "content/path_text.h"
 #include "content/plist_values.h"
@@ -88,7 +87,7 @@ DriverPath *CreateTrackPath(LibraryDriver *driver, const char *id) {
     LoosePath path =
         CreateDriverPath(driver, node_kind::kFile, node_category::kNone, node_subcategory::kNone);
     AddAttribute(path.get(), "id", id);
-    if (AddVelmarArrayItem(driver->tracks, path.get()) != 0) throw std::bad_alloc();
+    AppendItem(driver->tracks, path.get());
     DriverPath *track = path.release();
     IndexNewTrack(driver, track, id);
     return track;
