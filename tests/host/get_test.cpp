@@ -1,11 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 
-#include <chrono>
-#include <set>
+#include <csignal>
 
-#include "tests/host/fake_pictures.h"
-#include "tests/host/host_process.h"
+#include "tests/host/host_test.h"
+#include "tests/support/artwork_file.h"
 
 namespace {
 
@@ -16,121 +14,118 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class Get : public testing::Test {
-  protected:
-    HostResult Run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "get");
-        arguments.insert(arguments.end(), {"--to", Target().string()});
-        return host_.Run(arguments);
-    }
-    fs::path Target() const { return host_.folder() / "target"; }
+using Get = HostTest;
 
-    // Every file below the target, by its path there.
-    std::set<std::string> Files() const {
-        std::set<std::string> files;
-        for (const fs::directory_entry &entry : fs::recursive_directory_iterator(Target())) {
-            if (entry.is_regular_file()) files.insert(fs::relative(entry.path(), Target()).string());
-        }
-        return files;
-    }
-
-    HostProcess host_;
-};
-
-TEST_F(Get, SubtreeBecomesFoldersOfWholeFiles) {
-    const HostResult result = Run({"library/good"});
+TEST_F(Get, SubtreesBecomeFoldersOfWholeFiles) {
+    const HostResult result = Run("get 'playlist/Rain & Sun' --to t");
     EXPECT_EQ(result.exit_code, 0);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors, "got 3 files (700.0 kB), 0 already there\n");
-    EXPECT_THAT(Files(),
-                ElementsAre("good/AC_DC - What_ A _title_.mp3", "good/Björk - Jóga.mp3", "good/Plain.mp3"));
-    EXPECT_EQ(ReadWholeFile(Target() / "good" / "Plain.mp3"), std::string(700000, 'p'));
-    const auto time = fs::last_write_time(Target() / "good" / "Plain.mp3");
-    EXPECT_EQ(std::chrono::file_clock::to_sys(time).time_since_epoch() / std::chrono::seconds(1), 1262304000);
-    EXPECT_EQ(host_.LeftBehind(), 0U);
-}
-
-TEST_F(Get, ListsHoldTheirFilesOnceAndUnreachableOnesAreTold) {
-    const HostResult result = Run({"playlist"});
-    EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(Files(), ElementsAre("playlist/Evil_[31m_Name_/Björk - Jóga.mp3",
-                                     "playlist/Mix/AC_DC - What_ A _title_.mp3", "playlist/Mix/Plain.mp3",
-                                     "playlist/Twice/Plain.mp3"));
-    EXPECT_THAT(result.errors, AllOf(HasSubstr("its name contains \"/\"\n    playlist/AC/DC\n"),
-                                     HasSubstr("an earlier entry has the same name\n    playlist/Twice\n")));
-}
-
-TEST_F(Get, TwoRequestsNeverShareAFolderByChance) {
-    EXPECT_EQ(Run({"library/good", "playlist/Mix", "library/good", "library/good/12.mp3"}).exit_code, 0);
-    EXPECT_EQ(Files().size(), 6U);
-    EXPECT_TRUE(fs::exists(Target() / "Björk - Jóga.mp3"));
+    EXPECT_EQ(result.errors, "got 3 files (36.8 kB), 0 already there\n");
+    EXPECT_THAT(FilesBelow(path_ + "t/Rain & Sun"),
+                ElementsAre("The Lanterns - RAIN & THUNDER (2).mp3", "The Lanterns - Rain & Thunder.mp3",
+                            "東京四重奏 - 夜の音.mp3"));
+    const std::string file = path_ + "t/Rain & Sun/東京四重奏 - 夜の音.mp3";
+    EXPECT_EQ(ReadWholeFile(file),
+              ReadWholeFile(place_.media_folder / "Music/東京四重奏/静けさ/03 夜の音.mp3"));
+    struct stat status {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mtime, 1367662830);
+    Rename("Genius", "Rain &#38; Sun");
+    EXPECT_EQ(Run("get 'genius/Rain & Sun' 'playlist/Rain & Sun' 'playlist/Rain & Sun' --to u").exit_code, 0);
+    EXPECT_EQ(FilesBelow(path_ + "u/Rain & Sun").size(), 2U) << "two requests never share a folder by chance";
+    EXPECT_EQ(FilesBelow(path_ + "u/Rain & Sun (2)").size(), 3U);
+    EXPECT_EQ(Run("get --names path genius --to g").exit_code, 0);
+    EXPECT_THAT(FilesBelow(path_ + "g"),
+                ElementsAre("genius/Rain & Sun/103.mp3", "genius/Rain & Sun/104.m4a"));
 }
 
 TEST_F(Get, FailuresAreGroupedByReason) {
-    const HostResult result = Run({"library/music"});
-    EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.errors, StartsWith("got 2 files (21 B), 0 already there\n"));
-    EXPECT_THAT(result.errors, HasSubstr("1 entry: no file on this machine"));
-    EXPECT_THAT(result.errors,
-                HasSubstr("2 files not found under \"C:/Music\"\n    library/music/gone-a.mp3\n"));
-    EXPECT_THAT(result.errors,
-                HasSubstr("1 entry: could not be read to the end\n    library/music/breaks.mp3\n"));
-    EXPECT_THAT(Files(), ElementsAre("music/Queen - SONG (2).mp3", "music/Queen - Song.mp3"))
-        << "names differ in more than case, and nothing stays of the broken file";
+    const HostResult lists = Run("get playlist --to t");
+    EXPECT_EQ(lists.exit_code, 1);
+    EXPECT_THAT(lists.errors, HasSubstr("its name contains \"/\"\n    playlist/AC/DC\n"));
+    EXPECT_THAT(lists.errors,
+                HasSubstr("an earlier entry has the same name\n    playlist/Road Trip/Day One\n"));
+    EXPECT_THAT(
+        lists.errors,
+        HasSubstr(
+            "1 entry: no file on this machine (kept in the cloud, or lost)\n    playlist/Library/108\n"));
+    EXPECT_THAT(
+        lists.errors,
+        HasSubstr(
+            "1 file not found under \"C:/Music/iTunes/iTunes Media/Music/The Lanterns/Wind & Weather\"\n"
+            "    playlist/Library/107.mp3\n"));
+    EXPECT_TRUE(fs::exists(path_ + "t/playlist/Evil_[31m_Name_/Åsa Öberg - Fjäll och sjö.m4a"));
+    Set("FAIL_READ", "1");
+    const HostResult broken = Run("get library/music/101.mp3 library/music/102.mp3 --to b");
+    EXPECT_EQ(broken.exit_code, 1);
+    EXPECT_EQ(broken.errors,
+              "got 1 file (8.3 kB), 0 already there\n"
+              "  1 entry: could not be read to the end\n    library/music/101.mp3\n");
+    EXPECT_THAT(FilesBelow(path_ + "b"), ElementsAre("The Lanterns - RAIN & THUNDER (2).mp3"))
+        << "no part of the broken one";
+    EXPECT_EQ(Run("get genius library/bad --to n").exit_code, 4);
+    EXPECT_FALSE(fs::exists(path_ + "n")) << "nothing is written";
+    EXPECT_THAT(Run("get genius --to host").errors,
+                AllOf(HasSubstr("could not be"), Not(HasSubstr("not found"))));
 }
 
-TEST_F(Get, SecondRunGoesOnWhereTheFirstOneStopped) {
-    Run({"library/music", "library/good"});
-    fs::remove(Target() / "music" / "Queen - SONG (2).mp3");
-    const HostResult result = Run({"library/music", "library/good"});
-    EXPECT_THAT(result.errors, StartsWith("got 1 file (11 B), 4 already there\n"));
-    EXPECT_EQ(ReadWholeFile(Target() / "music" / "Queen - SONG (2).mp3"), "second song");
-}
-
-TEST_F(Get, OtherFilesAreNeverLostWithoutTheOption) {
-    host_.files().Write("target/Plain.mp3", "mine");
-    const HostResult kept = Run({"library/good/10.mp3"});
+TEST_F(Get, WhatIsThereStaysWithoutTheOption) {
+    const fs::path file = folder_.Write("t/Radio Silence - Episode 1.mp3", "mine");
+    const HostResult kept = Run("get library/podcast/113.mp3 library/music/105.wav --to t");
     EXPECT_EQ(kept.exit_code, 1);
-    EXPECT_THAT(kept.errors, HasSubstr("--overwrite"));
-    EXPECT_EQ(ReadWholeFile(Target() / "Plain.mp3"), "mine");
-    EXPECT_EQ(Run({"--overwrite", "library/good/10.mp3"}).exit_code, 0);
-    EXPECT_EQ(ReadWholeFile(Target() / "Plain.mp3").size(), 700000U);
-}
-
-TEST_F(Get, NamesOfTheTreeOnDemand) {
-    EXPECT_EQ(Run({"--names", "path", "library/good"}).exit_code, 0);
-    EXPECT_THAT(Files(), ElementsAre("good/10.mp3", "good/11.mp3", "good/12.mp3"));
+    EXPECT_THAT(kept.errors,
+                AllOf(StartsWith("got 1 file (44.1 kB), 0 already there\n"), HasSubstr("--overwrite")));
+    EXPECT_EQ(ReadWholeFile(file), "mine");
+    EXPECT_EQ(Run("get library/podcast/113.mp3 --overwrite --to t").exit_code, 0);
+    EXPECT_EQ(ReadWholeFile(file),
+              ReadWholeFile(place_.media_folder / "Podcasts/Radio Silence/Episode 1.mp3"));
+    EXPECT_EQ(Run("get library/podcast/113.mp3 library/music/105.wav --to t").errors,
+              "got 0 files (0 B), 2 already there\n");
 }
 
 TEST_F(Get, CoversStandBesideTheirFiles) {
-    const HostResult result = Run({"library/art", "--with-artwork"});
+    const HostResult result = Run("get library/book --with-artwork genius --to t");
     EXPECT_EQ(result.exit_code, 0) << "a cover that cannot be read is no failure";
-    EXPECT_THAT(result.errors, StartsWith("got 7 files (68 B), 0 already there\n"
-                                          "got 3 covers, 0 already there, 3 could not be read\n"));
-    EXPECT_THAT(result.errors, HasSubstr("library/art/23.mp3/thumb"));
-    EXPECT_THAT(Files(),
-                ElementsAre("art/Band - Cover (2).png", "art/Band - Cover.m4a", "art/Band - Cover.mp3",
-                            "art/Band - Cover.png", "art/Band - Damaged.mp3", "art/Band - Lost.mp3",
-                            "art/Band - Plain.mp3", "art/E. Author - Book.epub", "art/E. Author - Book.jpg",
-                            "art/Game.ipa"));
-    EXPECT_EQ(ReadWholeFile(Target() / "art" / "E. Author - Book.jpg"), FakeJpeg());
-    fs::remove(Target() / "art" / "E. Author - Book.jpg");
-    EXPECT_THAT(Run({"library/art", "--with-artwork"}).errors,
-                StartsWith("got 0 files (0 B), 7 already there\n"
-                           "got 1 cover, 2 already there, 3 could not be read\n"));
-    EXPECT_THAT(Run({"library/good", "--with-artwork"}).errors, Not(HasSubstr("cover")));
+    EXPECT_THAT(result.errors, StartsWith("got 6 files (24.2 kB), 0 already there\n"
+                                          "got 4 covers, 0 already there, 2 could not be read\n"
+                                          "    \"library/book/114.pdf/thumb\" holds no picture"));
+    EXPECT_THAT(FilesBelow(path_ + "t/book"),
+                ElementsAre("A. Nother - Salt & Stars.epub", "A. Nother - Salt & Stars.png",
+                            "E. Author - A Field Guide.pdf", "E. Author - The Lighthouse Keeper.epub",
+                            "E. Author - The Lighthouse Keeper.png", "Tide Tables.pdf"));
+    const std::string genius = path_ + "t/genius/Genius/";
+    EXPECT_EQ(ReadWholeFile(genius + "東京四重奏 - 夜の音.png"), PngPicture(128));
+    EXPECT_EQ(ReadWholeFile(genius + "Åsa Öberg - Fjäll och sjö.png").substr(0, 4), "\x89PNG")
+        << "of raw pixels";
+    fs::remove(genius + "東京四重奏 - 夜の音.png");
+    EXPECT_EQ(Run("get genius --with-artwork --to t").errors,
+              "got 0 files (0 B), 2 already there\ngot 1 cover, 1 already there, 0 could not be read\n");
 }
 
-TEST_F(Get, UnknownPathStopsBeforeAnythingIsWritten) {
-    EXPECT_EQ(Run({"library/good", "library/bad"}).exit_code, 4);
-    EXPECT_FALSE(fs::exists(Target()));
+TEST_F(Get, ProgressIsDrawnAndTakenAway) {
+    EXPECT_THAT(OnTerminal("get genius --to t", 40),
+                AllOf(HasSubstr("\r["), HasSubstr("\r\x1b[Kgot 2 files")));
+    EXPECT_THAT(Run("get genius --to u").errors, Not(HasSubstr("\r")));
+    Set("TERM", "dumb");
+    EXPECT_THAT(OnTerminal("get genius --to v"), AllOf(HasSubstr("got 2 files"), Not(HasSubstr("\r["))));
 }
 
-TEST_F(Get, TargetThatCannotBeWrittenIsTold) {
-    host_.files().Write("target", "a file");
-    const HostResult result = Run({"library/good/12.mp3"});
-    EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.errors, AllOf(HasSubstr("could not be"), Not(HasSubstr("not found under"))));
+TEST_F(Get, NothingStaysOfAnInterruptedOne) {
+    Set("PAUSE", "1000");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const HostResult result =
+            Interrupt("get library/music/105.wav --to t", "t", "^[.]velmarhost-.*[.]part$", signal);
+        EXPECT_EQ(result.exit_code, 128 + signal);
+        EXPECT_THAT(FilesBelow(path_ + "t"), ElementsAre());
+    }
+}
+
+TEST_F(Get, ClosedPipeEndsACatWithoutAWord) {
+    const fs::path wave = place_.media_folder / "Music/Test Bench/Tones/01 440 Hertz.wav";
+    folder_.Write(wave, std::string(700000, 'p'));
+    const HostResult result = Shell("host cat library/music/105.wav | head -c 100");
+    EXPECT_EQ(result.output, std::string(100, 'p'));
+    EXPECT_EQ(result.errors, "");
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <vector>
+
 #include "tests/support/temp_folder.h"
 
 namespace velmarhost {
@@ -9,46 +12,44 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(TargetFile, NothingStaysWithoutFinish) {
-    const TempFolder folder;
-    {
-        TargetFile file(folder.path());
-        file.Write("half");
-        EXPECT_FALSE(fs::is_empty(folder.path()));
-    }
-    EXPECT_TRUE(fs::is_empty(folder.path()));
-}
-
-TEST(TargetFile, FinishedFileTakesTheNameAndTheTime) {
+TEST(TargetFile, OnlyAFinishedFileTakesTheNameAndTheTime) {
     const TempFolder folder;
     const fs::path target = folder.Write("a.mp3", "old");
-    {
+    const auto count = [&] { return std::distance(fs::directory_iterator(folder.path()), {}); };
+    for (const bool finish : {false, true}) {
         TargetFile file(folder.path());
         file.Write("new ");
         file.Write("text");
+        EXPECT_EQ(count(), 2);
         EXPECT_EQ(ReadWholeFile(target), "old");
-        file.Finish(target, 1'000'000'000);
+        if (finish) file.Finish(target, 1'000'000'000);
     }
+    EXPECT_EQ(count(), 1);
     EXPECT_EQ(ReadWholeFile(target), "new text");
-    EXPECT_EQ(LookAtTarget(target, 99, 1'000'000'000), Existing::kSame);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
+    EXPECT_THROW(TargetFile(folder.path() / "none"), std::system_error);
 }
 
 TEST(TargetFile, WhatStandsThereIsTheSameByTimeOrSize) {
     const TempFolder folder;
     const fs::path target = folder.Write("a.mp3", "12345");
-    EXPECT_EQ(LookAtTarget(folder.path() / "b.mp3", 5, {}), Existing::kNothing);
-    EXPECT_EQ(LookAtTarget(target, {}, {}), Existing::kSame);
-    EXPECT_EQ(LookAtTarget(target, 5, 1'000'000'000), Existing::kSame);
-    EXPECT_EQ(LookAtTarget(target, 6, 1'000'000'000), Existing::kDifferent);
-    EXPECT_EQ(LookAtTarget(folder.path(), {}, {}), Existing::kDifferent) << "a folder";
+    constexpr int64_t kTime = 1'000'000'000;
+    fs::last_write_time(
+        target, std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(kTime))));
     fs::create_symlink("nowhere", folder.path() / "link");
-    EXPECT_EQ(LookAtTarget(folder.path() / "link", 5, {}), Existing::kDifferent);
-}
-
-TEST(TargetFile, FolderThatIsNoneThrows) {
-    const TempFolder folder;
-    EXPECT_THROW(TargetFile(folder.path() / "none"), std::system_error);
+    using Case = std::tuple<const char *, std::optional<uint64_t>, std::optional<int64_t>, Existing>;
+    for (const auto &[name, size, modified, existing] :
+         std::vector<Case>{{"b.mp3", 5, {}, Existing::kNothing},
+                           {"a.mp3", {}, {}, Existing::kSame},
+                           {"a.mp3", 5, 7, Existing::kSame},
+                           {"a.mp3", 6, 7, Existing::kDifferent},
+                           {"a.mp3", 6, {}, Existing::kDifferent},
+                           {"a.mp3", 6, kTime + 1, Existing::kSame},
+                           {"a.mp3", {}, kTime - 1, Existing::kSame},
+                           {"a.mp3", 6, kTime + 2, Existing::kDifferent},
+                           {"a.mp3", 6, kTime - 2, Existing::kDifferent},
+                           {".", {}, {}, Existing::kDifferent},
+                           {"link", 5, {}, Existing::kDifferent}})
+        EXPECT_EQ(LookAtTarget(folder.path() / name, size, modified), existing) << name;
 }
 
 }  // namespace
