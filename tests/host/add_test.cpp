@@ -8,11 +8,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::StartsWith;
+using namespace testing;
 
 class Add : public HostTest {
   protected:
@@ -55,13 +51,12 @@ TEST_F(Add, ReceiptTellsTheNumberedName) {
     const HostResult result = Run("add in/song.mp3 in/song1.mp3 in/taken.mp3 --json --to /library/movie/");
     EXPECT_EQ(result.exit_code, 0);
     const auto receipts = nlohmann::json::parse(result.output);
-    ASSERT_EQ(receipts.size(), 3U);
     EXPECT_EQ(receipts[0]["name"], "song1.mp3");
-    EXPECT_THAT(receipts[0]["path"].get<std::string>(), StartsWith("library/music/500000"));
-    EXPECT_EQ(receipts[0]["bytes"], 2);
-    EXPECT_THAT(receipts[1]["location"].get<std::string>(), testing::EndsWith("\\song11.mp3"));
-    EXPECT_EQ(receipts[2]["result"], "added");
-    EXPECT_EQ(receipts[2]["name"], nullptr) << "iTunes has it already";
+    EXPECT_THAT(receipts[0].dump(),
+                AllOf(HasSubstr(R"("bytes":2,)"), HasSubstr(R"("path":"library/music/500000)")));
+    EXPECT_THAT(receipts[1].dump(), HasSubstr(R"(\\song11.mp3","name":"song11.mp3")"));
+    EXPECT_THAT(receipts[2].dump(), AllOf(HasSubstr(R"("name":null)"), HasSubstr(R"("result":"added")")))
+        << "iTunes has it already";
     EXPECT_EQ(Added("song.mp3"), place_.add_folder);
 }
 
@@ -143,10 +138,9 @@ TEST_F(Add, InterruptedOneLeavesNoHalfFileAndTellsHowFarItCame) {
         EXPECT_EQ(result.exit_code, 128 + signal);
         EXPECT_THAT(FilesBelow(place_.add_folder), ElementsAre("1.mp3"));
         const auto receipts = nlohmann::json::parse(result.output);
-        ASSERT_EQ(receipts.size(), 3U);
-        EXPECT_EQ(receipts[0]["name"], "1.mp3");
-        EXPECT_EQ(receipts[1]["result"], "interrupted");
-        EXPECT_EQ(receipts[2]["problem"], "was not tried");
+        EXPECT_EQ(receipts.at(0).at("name"), "1.mp3");
+        EXPECT_EQ(receipts.at(1).at("result"), "interrupted");
+        EXPECT_EQ(receipts.at(2).at("problem"), "was not tried");
         fs::remove(place_.add_folder / "1.mp3");
     }
 }

@@ -54,10 +54,10 @@ TEST(AddedNames, AgreesWithAFolderThatIsThere) {
         Names given;
         for (int i = 0; i < 12; ++i) {
             const std::string stem = stems[random() % stems.size()];
+            const std::string folded = stem == "S" ? "s" : stem;
             std::string name = stem + ".mp3";
-            for (int number = 1; folder.contains(name == "S.mp3" ? "s.mp3" : name); ++number)
-                name = (stem == "S" ? "s" : stem) + std::to_string(number) + ".mp3";
-            folder.insert(name == "S.mp3" ? "s.mp3" : name);
+            for (int number = 1; !folder.insert(name == "S.mp3" ? "s.mp3" : name).second; ++number)
+                name = folded + std::to_string(number) + ".mp3";
             after.emplace_back(name, 7);
             if (i < 4) {
                 before.push_back(after.back());

@@ -7,10 +7,7 @@
 namespace {
 
 using Json = nlohmann::json;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 
 using Browse = HostTest;
 
@@ -100,7 +97,7 @@ TEST_F(Browse, StatAndJsonTellAllOfANode) {
         Run("stat library/music/103.mp3").output,
         AllOf(StartsWith("path                library/music/103.mp3\nkind                4 (file)\n"
                          "category            2 (audio)\nsubcategory         20 (music)\n\nattributes\n"),
-              HasSubstr("\n  artist            東京四重奏\n"), testing::EndsWith("\nnames (1)\n  thumb\n")));
+              HasSubstr("\n  artist            東京四重奏\n"), EndsWith("\nnames (1)\n  thumb\n")));
 }
 
 TEST_F(Browse, ThumbTakesThePlaceOfAnOlderFile) {

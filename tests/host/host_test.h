@@ -37,9 +37,9 @@ class HostTest : public testing::Test {
     // Sends the signal when a file whose name has the pattern is there, and once more.
     HostResult Interrupt(const std::string &arguments, const std::string &folder, const std::string &pattern,
                          int signal);
-    // Arguments that fail, with their exit code and the words on standard error; nothing else is written.
-    using Failures = std::vector<std::tuple<std::string, int, std::string>>;
-    void Expect(const Failures &failures);
+    // Arguments with their exit code and words that are written. A failure goes to standard error alone.
+    using Runs = std::vector<std::tuple<std::string, int, std::string>>;
+    void Expect(const Runs &runs);
 
     void Set(const std::string &name, const std::string &value);
     // Replaces a text in the library, wherever it stands.

@@ -25,6 +25,7 @@ TEST(TargetFile, OnlyAFinishedFileTakesTheNameAndTheTime) {
         if (finish) file.Finish(target, 1'000'000'000);
     }
     EXPECT_EQ(count(), 1);
+    EXPECT_EQ(LookAtTarget(target, 99, 1'000'000'000), Existing::kSame);
     EXPECT_EQ(ReadWholeFile(target), "new text");
     EXPECT_THROW(TargetFile(folder.path() / "none"), std::system_error);
 }
@@ -33,23 +34,23 @@ TEST(TargetFile, WhatStandsThereIsTheSameByTimeOrSize) {
     const TempFolder folder;
     const fs::path target = folder.Write("a.mp3", "12345");
     constexpr int64_t kTime = 1'000'000'000;
-    fs::last_write_time(
-        target, std::chrono::file_clock::from_sys(std::chrono::sys_seconds(std::chrono::seconds(kTime))));
+    { TargetFile(folder.path()).Finish(target, kTime); }
     fs::create_symlink("nowhere", folder.path() / "link");
-    using Case = std::tuple<const char *, std::optional<uint64_t>, std::optional<int64_t>, Existing>;
-    for (const auto &[name, size, modified, existing] :
-         std::vector<Case>{{"b.mp3", 5, {}, Existing::kNothing},
-                           {"a.mp3", {}, {}, Existing::kSame},
-                           {"a.mp3", 5, 7, Existing::kSame},
-                           {"a.mp3", 6, 7, Existing::kDifferent},
-                           {"a.mp3", 6, {}, Existing::kDifferent},
-                           {"a.mp3", 6, kTime + 1, Existing::kSame},
-                           {"a.mp3", {}, kTime - 1, Existing::kSame},
-                           {"a.mp3", 6, kTime + 2, Existing::kDifferent},
-                           {"a.mp3", 6, kTime - 2, Existing::kDifferent},
-                           {".", {}, {}, Existing::kDifferent},
-                           {"link", 5, {}, Existing::kDifferent}})
-        EXPECT_EQ(LookAtTarget(folder.path() / name, size, modified), existing) << name;
+    const auto look = [&](const char *name, std::optional<uint64_t> size, std::optional<int64_t> modified) {
+        return LookAtTarget(folder.path() / name, size, modified);
+    };
+    EXPECT_EQ(look("b.mp3", 0, kTime), Existing::kNothing);
+    for (const int64_t time : {kTime - 1, kTime + 1}) {
+        EXPECT_EQ(look("a.mp3", 6, time), Existing::kSame);
+        EXPECT_EQ(look("a.mp3", {}, time), Existing::kSame);
+    }
+    EXPECT_EQ(look("a.mp3", {}, {}), Existing::kSame);
+    EXPECT_EQ(look("a.mp3", 0, 7), Existing::kSame);
+    for (const int64_t time : {kTime - 2, kTime + 2})
+        EXPECT_EQ(look("a.mp3", 6, time), Existing::kDifferent);
+    EXPECT_EQ(look("a.mp3", 6, {}), Existing::kDifferent);
+    EXPECT_EQ(look(".", {}, {}), Existing::kDifferent);
+    EXPECT_EQ(look("link", 5, {}), Existing::kDifferent);
 }
 
 }  // namespace
