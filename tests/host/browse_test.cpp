@@ -17,9 +17,9 @@ TEST_F(Browse, CommandsWriteWhatIsThere) {
     for (const auto &[arguments, output] : std::vector<std::pair<std::string, std::string>>{
              {"tree --depth 1", "/\n├── library\n├── genius\n└── playlist\n"},
              {"tree 'playlist/Road Trip'",
-              "Road Trip\n├── 101.mp3  The Lanterns - Rain & Thunder\n├── 102.mp3  The Lanterns - RAIN & "
-              "THUNDER\n"
-              "├── 104.m4a  Åsa Öberg - Fjäll och sjö\n├── Day One\n"
+              "Road Trip\n├── 101.mp3  The Lanterns - Rain & Thunder\n"
+              "├── 102.mp3  The Lanterns - RAIN & THUNDER\n├── 104.m4a  Åsa Öberg - Fjäll och sjö\n├── Day "
+              "One\n"
               "└── Day One  [cannot be reached: an earlier entry has the same name]\n"},
              {"tree /library/music/103.mp3/", "103.mp3  東京四重奏 - 夜の音\n└── thumb\n    └── small\n"},
              {"tree --all library/book",
@@ -33,13 +33,6 @@ TEST_F(Browse, CommandsWriteWhatIsThere) {
               "Road Trip/\nRain & Sun/\n"},
              {"ls 'playlist/Road Trip/Day One'", ""},
              {"ls --json 'playlist/Road Trip/Day One'", "[]\n"},
-             {"ls -l library/book --human",
-              "book                   629 B  2013-05-04 10:20  *  114.pdf  E. Author - A Field Guide\n"
-              "book                  2.5 kB  2013-05-04 10:20  *  115.epub  E. Author - The Lighthouse "
-              "Keeper\n"
-              "book                  2.3 kB  2011-06-01 00:00  *  Salt & Stars.epub  A. Nother - Salt & "
-              "Stars\n"
-              "book                   627 B  -                 *  Tide Tables.pdf  Tide Tables\n"},
              {"ls -l library/podcast",
               "podcast                20278  2013-05-04 10:20     113.mp3  Radio Silence - Episode 1\n"},
              {"cat library/music/105.wav", wave},
@@ -58,7 +51,10 @@ TEST_F(Browse, CommandsWriteWhatIsThere) {
         EXPECT_EQ(result.errors, "") << arguments;
         EXPECT_EQ(result.exit_code, 0) << arguments;
     }
-    EXPECT_THAT(Run("--help").output, HasSubstr("Exit codes:"));
+    Expect(
+        {{"--help", 0, "Exit codes:"},
+         {"ls -l --human library/book", 0, "627 B  -                 *  Tide Tables.pdf  Tide Tables\n"},
+         {"ls -l library/music", 0, "        -  2013-05-04 10:20     108  The Lanterns - In the Cloud\n"}});
     EXPECT_EQ(Run("thumb library/music/104.m4a -o - --png").output.substr(0, 4), "\x89PNG");
     EXPECT_TRUE(std::filesystem::is_empty(place_.home / "Temp"))
         << "the driver has a temporary folder of the run's";
@@ -69,11 +65,9 @@ TEST_F(Browse, StatAndJsonTellAllOfANode) {
     const Json list = Json::parse(Run("ls --json library/music").output);
     const Json lists = Json::parse(Run("tree --json playlist --depth 1").output);
     EXPECT_EQ(lists[0]["depth"], 0);
-    EXPECT_EQ(lists[2], Json({{"path", "playlist/AC/DC"},
-                              {"name", "AC/DC"},
-                              {"depth", 1},
-                              {"reachable", false},
-                              {"problem", "cannot be reached: its name contains \"/\""}}));
+    EXPECT_EQ(lists[2].dump(),
+              R"({"depth":1,"name":"AC/DC","path":"playlist/AC/DC",)"
+              R"("problem":"cannot be reached: its name contains \"/\"","reachable":false})");
     EXPECT_EQ(lists[3]["name"], "Evil\x1b[31m\nName\xEF\xBF\xBD");
     EXPECT_EQ(node["children"], Json::array({"thumb"}));
     node.erase("children");
@@ -82,15 +76,9 @@ TEST_F(Browse, StatAndJsonTellAllOfANode) {
     EXPECT_EQ(node["attributes"]["location"],
               "C:/Music/iTunes/iTunes Media/Music/東京四重奏/静けさ/03 夜の音.mp3");
     node.erase("attributes");
-    EXPECT_EQ(node, Json({{"path", "library/music/103.mp3"},
-                          {"name", "103.mp3"},
-                          {"depth", 1},
-                          {"kind", 4},
-                          {"category", 2},
-                          {"subcategory", 20},
-                          {"type", "music"},
-                          {"reachable", true},
-                          {"has_thumbnail", true}}));
+    EXPECT_EQ(node.dump(),
+              R"({"category":2,"depth":1,"has_thumbnail":true,"kind":4,"name":"103.mp3",)"
+              R"("path":"library/music/103.mp3","reachable":true,"subcategory":20,"type":"music"})");
     EXPECT_EQ(list[0]["has_thumbnail"], true) << "of the first entry too";
     EXPECT_EQ(list[4]["has_thumbnail"], false);
     EXPECT_THAT(
