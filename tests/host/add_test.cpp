@@ -108,8 +108,10 @@ TEST_F(Add, StandardInputGetsItsName) {
     EXPECT_EQ(Added("a_b_ c.mp3"), "piped");
     EXPECT_EQ(Shell("{ read head; host add - --name rest.pdf; } <file").exit_code, 0);
     EXPECT_EQ(Added("rest.pdf"), "rest") << "read from where the file stands";
+    EXPECT_EQ(Run("add - --name file.pdf <file").exit_code, 0);
+    EXPECT_EQ(Added("file.pdf"), "head\nrest");
     EXPECT_EQ(Run("add - --name none.mp3 </dev/null").output, "not added  -: is empty\n");
-    EXPECT_EQ(FilesBelow(place_.add_folder).size(), 2U);
+    EXPECT_EQ(FilesBelow(place_.add_folder).size(), 3U);
 }
 
 TEST_F(Add, WrongOptionsAreExplained) {

@@ -52,11 +52,9 @@ TEST(Progress, RateFollowsTheLastSeconds) {
 }
 
 TEST(GetReport, CommonFolderEndsBetweenComponents) {
-    const std::vector<std::array<const char *, 3>> cases = {{"C:/a/bc", "C:/a/bd", "C:/a"},
-                                                            {"C:/a", "C:/a/b", "C:/a"},
-                                                            {"C:/ab", "C:/a", "C:"},
-                                                            {"C:\\x\\y", "C:\\x\\z", "C:\\x"},
-                                                            {"", "C:/a", ""}};
+    const std::vector<std::array<const char *, 3>> cases = {
+        {"C:/a/bc", "C:/a/bd", "C:/a"}, {"C:/a", "C:/a/b", "C:/a"},        {"C:/a/b", "C:/a", "C:/a"},
+        {"C:/ab", "C:/a", "C:"},        {"C:\\x\\y", "C:\\x\\z", "C:\\x"}, {"", "C:/a", ""}};
     for (const auto &[a, b, common] : cases)
         EXPECT_EQ(CommonFolder(a, b), common);
 }

@@ -24,6 +24,7 @@ TEST(Text, DecodesUtf8AndNothingElse) {
     EXPECT_EQ(DecodeUtf8("\xC0\xAF", 0).code, kBadByte) << "overlong";
     EXPECT_EQ(DecodeUtf8("\xE0\x80\xAF", 0).code, kBadByte) << "overlong";
     EXPECT_EQ(DecodeUtf8("\xF4\x90\x80\x80", 0).code, kBadByte) << "beyond the last character";
+    EXPECT_EQ(DecodeUtf8("\xB4\x80\x80\x80", 0).code, kBadByte) << "no lead";
     EXPECT_EQ(DecodeUtf8("", 0).length, 0U);
 }
 
