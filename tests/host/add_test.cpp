@@ -1,212 +1,150 @@
-// Files go into a folder of the test's own through a driver that copies as the real one does.
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
-#include <chrono>
 #include <csignal>
 #include <nlohmann/json.hpp>
-#include <set>
-#include <thread>
 
-#include "tests/host/host_process.h"
+#include "tests/host/host_test.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 
-class Add : public testing::Test {
+class Add : public HostTest {
   protected:
     Add() {
-        fs::create_directories(AddFolder());
-        fs::create_directories(Source());
-        host_.Set("FAKE_DRIVER_ADD_FOLDER", AddFolder().string());
+        fs::remove(place_.add_folder / "Waiting Room.mp3");
+        fs::create_directory(path_ + "in");
     }
-    ~Add() override { EXPECT_EQ(host_.LeftBehind(), 0U); }
-
-    fs::path AddFolder() const { return host_.folder() / "media" / "Automatically Add to iTunes"; }
-    fs::path Source() const { return host_.folder() / "in"; }
-    std::string Write(const std::string &name, const std::string &bytes) const {
-        return host_.files().Write("in/" + name, bytes).string();
-    }
-    HostResult Run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "add");
-        HostResult result = host_.Run(arguments);
-        EXPECT_THAT(result.errors, Not(HasSubstr("FAULT")));
-        return result;
-    }
-    std::set<std::string> Added() const {
-        std::set<std::string> names;
-        for (const fs::directory_entry &entry : fs::directory_iterator(AddFolder()))
-            names.insert(entry.path().filename().string());
-        return names;
-    }
-
-    HostProcess host_;
+    std::string Added(const std::string &name) const { return ReadWholeFile(place_.add_folder / name); }
 };
 
 TEST_F(Add, FoldersAreWalkedInOrderAndOnce) {
-    const std::string folder = Source().string();
-    Write("b/2.MP3", "two");
-    Write("b/.hidden.mp3", "x");
-    Write("b/cover.jpg", "x");
-    Write("a.m4a", "one");
-    Write("c/book.pdf", "three");
-    fs::create_directory_symlink("..", Source() / "c" / "up");
-    const HostResult result = Run({folder, folder + "/a.m4a", "-v"});
+    for (const char *name :
+         {"b/2.MP3", "b/.hidden.mp3", "b/cover.jpg", "a.m4a", "c/book.pdf", "d/AC\\DC? \xff.mp3"})
+        folder_.Write(std::string("in/") + name, name);
+    fs::create_directory_symlink("..", path_ + "in/c/up");
+    const HostResult result = Run("add in in/a.m4a -v");
     EXPECT_EQ(result.exit_code, 0);
-    EXPECT_EQ(result.output, "added      " + folder + "/a.m4a as a.m4a, now library/music/5000001.m4a\n" +
-                                 "added      " + folder +
-                                 "/b/2.MP3 as 2.MP3, now library/music/5000000.MP3\n" + "added      " +
-                                 folder + "/c/book.pdf as book.pdf, now library/book/book.pdf\n");
-    EXPECT_THAT(result.errors, HasSubstr("added 3 files (11 B)\n  passed over 1 entry: hidden\n"));
+    EXPECT_THAT(
+        result.output,
+        MatchesRegex("added      in/a.m4a as a.m4a, now library/music/500000..m4a\n"
+                     "added      in/b/2.MP3 as 2.MP3, now library/music/500000..MP3\n"
+                     "added      in/c/book.pdf as book.pdf, now library/book/book.pdf\n"
+                     "added      in/d/AC.DC. .xff.mp3 as AC_DC_ _.mp3, now library/music/500000..mp3\n"));
     EXPECT_THAT(result.errors,
-                HasSubstr("2 entries: there twice\n    " + folder + "/c/up\n    " + folder + "/a.m4a"));
-    EXPECT_THAT(result.errors, HasSubstr("book.pdf of type 1 for library/book\n"));
-    EXPECT_EQ(ReadWholeFile(AddFolder() / "2.MP3"), "two");
+                HasSubstr("added 4 files (36 B)\n  passed over 1 entry: hidden\n    in/b/.hidden.mp3\n"));
+    EXPECT_THAT(result.errors,
+                HasSubstr("1 entry: of a kind that iTunes does not take\n    in/b/cover.jpg\n"));
+    EXPECT_THAT(result.errors, HasSubstr("2 entries: there twice\n    in/c/up\n    in/a.m4a"));
+    EXPECT_EQ(Added("2.MP3"), "b/2.MP3");
+    EXPECT_EQ(Added("AC_DC_ _.mp3"), "d/AC\\DC? \xff.mp3");
 }
 
 TEST_F(Add, ReceiptTellsTheNumberedName) {
-    host_.files().Write("media/Automatically Add to iTunes/song.mp3", "there before");
-    host_.files().Write("media/Automatically Add to iTunes/taken.mp3", "there before");
-    host_.Set("FAKE_DRIVER_TAKES", "taken1.mp3");
-    const HostResult result =
-        Run({Write("song.mp3", "bytes"), Write("song1.mp3", "bytes"), Write("taken.mp3", "bytes"), "--json"});
+    for (const fs::path &file : {place_.add_folder, fs::path("in")}) {
+        folder_.Write(file / "song.mp3", file.string());
+        folder_.Write(file / "taken.mp3", "bytes");
+    }
+    folder_.Write("in/song1.mp3", "bytes");
+    Set("LOST_BEHIND_COPIES", place_.add_folder / "taken1.mp3");
+    const HostResult result = Run("add in/song.mp3 in/song1.mp3 in/taken.mp3 --json --to /library/movie/");
     EXPECT_EQ(result.exit_code, 0);
     const auto receipts = nlohmann::json::parse(result.output);
-    ASSERT_EQ(receipts.size(), 3U);
     EXPECT_EQ(receipts[0]["name"], "song1.mp3");
-    EXPECT_EQ(receipts[0]["path"], "library/music/5000001.mp3");
-    EXPECT_EQ(receipts[0]["bytes"], 5);
-    EXPECT_THAT(receipts[1]["location"].get<std::string>(), EndsWith("\\song11.mp3"));
-    EXPECT_EQ(receipts[2]["result"], "added");
-    EXPECT_EQ(receipts[2]["name"], nullptr) << "iTunes has it already";
-    EXPECT_EQ(ReadWholeFile(AddFolder() / "song.mp3"), "there before");
+    EXPECT_THAT(receipts[0].dump(),
+                AllOf(HasSubstr(R"("bytes":2,)"), HasSubstr(R"("path":"library/music/500000)")));
+    EXPECT_THAT(receipts[1].dump(), HasSubstr(R"(\\song11.mp3","name":"song11.mp3")"));
+    EXPECT_THAT(receipts[2].dump(), AllOf(HasSubstr(R"("name":null)"), HasSubstr(R"("result":"added")")))
+        << "iTunes has it already";
+    EXPECT_EQ(Added("song.mp3"), place_.add_folder);
 }
 
 TEST_F(Add, DryRunTouchesNothing) {
-    const std::string song = Write("What? A \"song\".mp3", "bytes");
-    const HostResult result = Run({"--dry-run", song, "none.mp3"});
+    folder_.Write("in/What? A \"song\".mp3", "bytes");
+    const HostResult result = Run("add --dry-run in none.mp3");
     EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.output,
-                StartsWith("would add  " + song + " as What_ A _song_.mp3\nnot added  none.mp3: "));
+    EXPECT_EQ(result.output,
+              "would add  in/What? A \"song\".mp3 as What_ A _song_.mp3\n"
+              "not added  none.mp3: No such file or directory\n");
     EXPECT_EQ(result.errors, "would add 1 file (5 B), 1 not\n");
-    EXPECT_THAT(Added(), IsEmpty());
-}
-
-TEST_F(Add, NamesThatWindowsCannotHoldAreCleaned) {
-    const HostResult result = Run({Write("What? A \"song\".mp3", "one"), Write("AC\\DC.mp3", "two"),
-                                   Write("Folder\\Name/x.mp3", "three"), Write("bad\xff.mp3", "four"), "-v",
-                                   "--to", "/library/movie/"});
-    EXPECT_EQ(result.exit_code, 0);
-    EXPECT_THAT(Added(), ElementsAre("AC_DC.mp3", "What_ A _song_.mp3", "bad_.mp3", "x.mp3"));
-    EXPECT_THAT(result.errors, HasSubstr("x.mp3 of type 0 for library/movie\n"));
-    EXPECT_EQ(ReadWholeFile(AddFolder() / "x.mp3"), "three");
+    EXPECT_THAT(FilesBelow(place_.add_folder), ElementsAre());
 }
 
 TEST_F(Add, EveryFailureHasItsReasonAndLeavesNothing) {
-    host_.Set("FAKE_DRIVER_COPY_ERRORS", "lost.mp3=2 wrong.mp3=3 short.mp3=5 full.mp3=6");
-    fs::create_directories(Source() / "x.epub");
-    mkfifo((Source() / "pipe.mp3").c_str(), 0600);
-    const HostResult result =
-        Run({Write("lost.mp3", "x"), Write("wrong.mp3", "x"), Write("short.mp3", "x"), Write("empty.mp3", ""),
-             Write("words.txt", "x"), (Source() / "x.epub").string(), (Source() / "pipe.mp3").string(),
-             Write("good.mp3", "x"), Write("full.mp3", "x"), Write("later.mp3", "x")});
+    fs::create_directories(path_ + "in/x.epub");
+    for (const char *name : {"1 lost?", "2 bad", "3 odd", "4 short", "6 good", "7 full", "8 later"})
+        folder_.Write("in/" + std::string(name) + ".mp3", "x");
+    folder_.Write("in/5 empty.mp3", "");
+    mkfifo((path_ + "in/pipe.mp3").c_str(), 0600);
+    Set("LOST_BEFORE_COPIES", path_ + "in/1 lost?.mp3");
+    Set("COPY_ERRORS", "2 bad.mp3=2 3 odd.mp3=9 4 short.mp3=5 7 full.mp3=6");
+    const HostResult result = Run("add in host");
     EXPECT_EQ(result.exit_code, 1);
-    for (const char *words :
-         {"lost.mp3: cannot be opened", "wrong.mp3\" could not be made. Check",
-          "short.mp3: ended after 0 B of 1 B", "empty.mp3: is empty", "words.txt: is of a kind",
-          "x.epub: is a book in form", "pipe.mp3: is no regular file", "good.mp3 as good.mp3",
-          "full.mp3: does not fit", "later.mp3: was not tried"})
-        EXPECT_THAT(result.output, HasSubstr(words));
-    EXPECT_EQ(result.errors, "added 1 file (1 B), 9 not\n");
-    EXPECT_THAT(Added(), ElementsAre("good.mp3"));
+    EXPECT_THAT(result.output,
+                MatchesRegex("not added  in/1 lost..mp3: cannot be opened: No such file or directory\n"
+                             "not added  in/2 bad.mp3: cannot be opened by the driver\n"
+                             "not added  in/3 odd.mp3: was refused by the driver\n"
+                             "not added  in/4 short.mp3: ended after 0 B of 1 B. Add it again .*\n"
+                             "not added  in/5 empty.mp3: is empty\n"
+                             "added      in/6 good.mp3 as 6 good.mp3, now library/music/5000001.mp3\n"
+                             "not added  in/7 full.mp3: does not fit: the disk of the folder .* is full. .*\n"
+                             "not added  in/8 later.mp3: was not tried, as the disk is full\n"
+                             "not added  in/pipe.mp3: is no regular file. .*\n"
+                             "not added  in/x.epub: is a book in form of a folder. .*\n"
+                             "not added  host: is of a kind that iTunes does not take\n"));
+    EXPECT_EQ(result.errors, "added 1 file (1 B), 10 not\n");
+    EXPECT_THAT(FilesBelow(place_.add_folder), ElementsAre("6 good.mp3"));
+    Set("LOST_BEFORE_COPIES", place_.add_folder);
+    EXPECT_THAT(Run("add 'in/6 good.mp3'").output,
+                HasSubstr("the file \"C:\\Music\\iTunes\\iTunes Media\\Automatically Add to iTunes\\6 "
+                          "good.mp3\" could not be made"));
 }
 
 TEST_F(Add, StandardInputGetsItsName) {
-    std::array<int, 2> ends{};
-    ASSERT_EQ(pipe(ends.data()), 0);
-    ASSERT_EQ(write(ends[1], "piped", 5), 5);
-    close(ends[1]);
-    host_.SetInput(ends[0]);
-    EXPECT_THAT(Run({"-", "--name", "a/b: c.mp3"}).output,
+    folder_.Write("file", "head\nrest");
+    EXPECT_THAT(Shell("printf piped | host add - --name 'a/b: c.mp3'").output,
                 StartsWith("added      - as a_b_ c.mp3, now library/music/"));
-    EXPECT_EQ(ReadWholeFile(AddFolder() / "a_b_ c.mp3"), "piped");
-    const int file = open(Write("file", "head and rest").c_str(), O_RDONLY);
-    lseek(file, 9, SEEK_SET);
-    host_.SetInput(file);
-    EXPECT_EQ(Run({"-", "--name", "rest.pdf"}).exit_code, 0);
-    EXPECT_EQ(ReadWholeFile(AddFolder() / "rest.pdf"), "rest") << "read from where the file stands";
-    host_.SetInput(open("/dev/null", O_RDONLY));
-    EXPECT_THAT(Run({"-", "--name", "none.mp3"}).output, HasSubstr("-: is empty"));
-    EXPECT_EQ(Added().size(), 2U);
+    EXPECT_EQ(Added("a_b_ c.mp3"), "piped");
+    EXPECT_EQ(Shell("{ read head; host add - --name rest.pdf; } <file").exit_code, 0);
+    EXPECT_EQ(Added("rest.pdf"), "rest") << "read from where the file stands";
+    EXPECT_EQ(Run("add - --name file.pdf <file").exit_code, 0);
+    EXPECT_EQ(Added("file.pdf"), "head\nrest");
+    EXPECT_EQ(Run("add - --name none.mp3 </dev/null").output, "not added  -: is empty\n");
+    EXPECT_EQ(FilesBelow(place_.add_folder).size(), 3U);
 }
 
 TEST_F(Add, WrongOptionsAreExplained) {
-    const std::string song = Write("song.mp3", "x");
-    const auto expect = [this](const std::vector<std::string> &arguments, const std::string &words) {
-        const HostResult result = Run(arguments);
-        EXPECT_EQ(result.exit_code, 2);
-        EXPECT_THAT(result.errors, HasSubstr(words));
-    };
-    expect({"-"}, "--name");
-    expect({song, song, "--name", "x.mp3"}, "single FILE");
-    expect({Source().string(), "--name", "x.mp3"}, "no folder");
-    expect({song, "--name", "x.txt"}, "no extension that iTunes takes");
-    expect({song, "--to", "playlist/Mix"}, "--to");
-    expect({song, "--library", song}, "--media");
-    EXPECT_THAT(Added(), IsEmpty());
-}
-
-TEST_F(Add, FolderThatIsGoneIsTold) {
-    fs::remove_all(AddFolder());
-    const HostResult result = Run({Write("song.mp3", "x")});
-    EXPECT_EQ(result.exit_code, 1);
-    EXPECT_THAT(result.output,
-                HasSubstr("the file \"" + (AddFolder() / "song.mp3").string() + "\" could not be made"));
+    Expect({{"add -", 2, "--name \"Song.mp3\""},
+            {"add host host --name x.mp3", 2, "single FILE"},
+            {"add in --name x.mp3", 2, "no folder"},
+            {"add host --name x.txt", 2, "no extension that iTunes takes"},
+            {"add x.mp3 --to playlist/Mix", 2, "--to"},
+            {"add x.mp3 --library host", 2, "--media"}});
 }
 
 TEST_F(Add, ProgressTellsThePace) {
-    host_.Set("FAKE_DRIVER_COPY_PAUSE", "150");
-    const std::string shown =
-        host_.RunOnTerminal({"add", Write("song.mp3", std::string(8 << 20, 's'))}, 120).output;
-    EXPECT_THAT(shown, AllOf(HasSubstr(" of 8.4 MB  "), HasSubstr("MB/s, 0:0"), HasSubstr("\r\x1b[Kadded")));
+    Set("PAUSE", "100");
+    folder_.Write("song.mp3", std::string(8 << 20, 's'));
+    EXPECT_THAT(OnTerminal("add song.mp3", 120),
+                AllOf(HasSubstr(" of 8.4 MB  "), HasSubstr("MB/s, 0:0"), HasSubstr("\r\x1b[Kadded")));
 }
 
-class AddInterrupted : public Add, public testing::WithParamInterface<int> {};
-
-TEST_P(AddInterrupted, LeavesNoHalfFileAndTellsHowFarItCame) {
-    host_.Set("FAKE_DRIVER_COPY_PAUSE", "20");
-    const std::string first = Write("1.mp3", "whole");
-    const std::string second = Write("2.mp3", "");
-    fs::resize_file(second, uint64_t{1} << 30);
-    const pid_t process = host_.Start({"add", "--json", first, second, Write("3.mp3", "x")});
-    for (int i = 0; i < 1000 && !fs::exists(AddFolder() / "2.mp3"); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(fs::exists(AddFolder() / "2.mp3"));
-    kill(process, GetParam());
-    kill(process, GetParam());  // an impatient user does no harm
-    const HostResult result = host_.Wait(process);
-    EXPECT_EQ(result.exit_code, 128 + GetParam());
-    EXPECT_THAT(Added(), ElementsAre("1.mp3"));
-    EXPECT_THAT(result.errors, Not(HasSubstr("FAULT"))) << "the batch is finished";
-    const auto receipts = nlohmann::json::parse(result.output);
-    ASSERT_EQ(receipts.size(), 3U);
-    EXPECT_EQ(receipts[0]["name"], "1.mp3");
-    EXPECT_EQ(receipts[1]["result"], "interrupted");
-    EXPECT_EQ(receipts[2]["problem"], "was not tried");
+TEST_F(Add, InterruptedOneLeavesNoHalfFileAndTellsHowFarItCame) {
+    Set("PAUSE", "20");
+    for (const char *name : {"1", "2", "3"})
+        folder_.Write("in/" + std::string(name) + ".mp3", name);
+    fs::resize_file(path_ + "in/2.mp3", uint64_t{1} << 30);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const HostResult result = Interrupt("add --json in", place_.add_folder, "2.mp3", signal);
+        EXPECT_EQ(result.exit_code, 128 + signal);
+        EXPECT_THAT(FilesBelow(place_.add_folder), ElementsAre("1.mp3"));
+        const auto receipts = nlohmann::json::parse(result.output);
+        EXPECT_EQ(receipts.at(0).at("name"), "1.mp3");
+        EXPECT_EQ(receipts.at(1).at("result"), "interrupted");
+        EXPECT_EQ(receipts.at(2).at("problem"), "was not tried");
+        fs::remove(place_.add_folder / "1.mp3");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Signals, AddInterrupted, testing::Values(SIGINT, SIGTERM));
 
 }  // namespace

@@ -9,75 +9,65 @@
 namespace velmarhost {
 namespace {
 
-using testing::ElementsAre;
+using Names = std::vector<std::string>;
+using Sized = std::vector<std::pair<std::string, int64_t>>;
 
-std::vector<WaitingFile> Files(const std::vector<std::pair<std::string, int64_t>> &names_and_sizes) {
-    std::vector<WaitingFile> files;
-    for (const auto &[name, size] : names_and_sizes)
-        files.push_back({name, size, {}, {}});
-    return files;
-}
-
-std::vector<std::string> Names(const std::vector<CopiedFile> &copied, const std::vector<WaitingFile> &before,
-                               const std::vector<WaitingFile> &after) {
-    std::vector<std::string> names;
-    for (const std::optional<std::size_t> &index : FindCopies(copied, before, after))
-        names.push_back(index ? after.at(*index).name : "");
+Names FindNames(const Sized &copied, const Sized &before, const Sized &after) {
+    const auto files = [](const Sized &names) {
+        std::vector<WaitingFile> waiting;
+        for (const auto &[name, size] : names)
+            waiting.push_back({name, size, {}, {}});
+        return waiting;
+    };
+    std::vector<CopiedFile> copies;
+    for (const auto &[name, size] : copied)
+        copies.push_back({name, static_cast<uint64_t>(size)});
+    Names names;
+    for (const std::optional<std::size_t> &index : FindCopies(copies, files(before), files(after)))
+        names.push_back(index ? after.at(*index).first : "");
     return names;
 }
 
-TEST(AddedNames, NumbersOfOneNameAreNotThoseOfAnother) {
-    const auto before = Files({{"song.mp3", 1}});
-    EXPECT_THAT(Names({{"song.mp3", 5}, {"song1.mp3", 5}}, before,
-                      Files({{"song1.mp3", 5}, {"song11.mp3", 5}, {"song.mp3", 1}})),
-                ElementsAre("song1.mp3", "song11.mp3"));
-    EXPECT_THAT(Names({{"song1.mp3", 5}, {"song.mp3", 5}}, before,
-                      Files({{"song.mp3", 1}, {"song1.mp3", 5}, {"song2.mp3", 5}})),
-                ElementsAre("song1.mp3", "song2.mp3"));
-}
-
-TEST(AddedNames, FilesThatITunesTookAreNotTakenForOthers) {
-    EXPECT_THAT(
-        Names({{"song.mp3", 5}, {"song1.mp3", 5}}, Files({{"song.mp3", 1}}), Files({{"song11.mp3", 5}})),
-        ElementsAre("", "song11.mp3"));
-    EXPECT_THAT(Names({{"a.mp3", 5}}, {}, Files({{"a.mp3", 6}, {"a.m4a", 5}, {"b.mp3", 5}})), ElementsAre(""))
-        << "sizes and extensions must fit";
-    EXPECT_THAT(Names({{"a.mp3", int64_t{1} << 32 | 0xF0000000}}, {}, Files({{"a.mp3", -0x10000000}})),
-                ElementsAre("a.mp3"))
-        << "of a large file the driver tells 32 bits";
-}
-
-TEST(AddedNames, WhatTheTreeDoesNotShowMayHaveTheExpectedName) {
-    EXPECT_THAT(Names({{"Song.mp3", 5}, {"song1.mp3", 5}}, {}, Files({{"Song2.mp3", 5}, {"song11.mp3", 5}})),
-                ElementsAre("Song2.mp3", "song11.mp3"));
+TEST(AddedNames, SizesAndNumbersMustFit) {
+    using testing::ElementsAre;
+    constexpr int64_t kLarge = int64_t{1} << 32 | 0xF0000000;
+    EXPECT_THAT(FindNames({{"song.mp3", 5}, {"song1.mp3", 5}}, {{"song.mp3", 1}}, {{"song11.mp3", 5}}),
+                ElementsAre("", "song11.mp3"))
+        << "what iTunes took is not taken for another";
+    EXPECT_THAT(FindNames({{"a.mp3", 5}}, {}, {{"a.mp3", 6}, {"a.m4a", 5}, {"b.mp3", 5}}), ElementsAre(""));
+    EXPECT_THAT(FindNames({{"a.mp3", kLarge}}, {}, {{"a.mp3", -0x10000000}}), ElementsAre("a.mp3"))
+        << "32 bits are told";
+    EXPECT_THAT(FindNames({{"Song.mp3", 5}, {"song1.mp3", 5}}, {}, {{"Song2.mp3", 5}, {"song11.mp3", 5}}),
+                ElementsAre("Song2.mp3", "song11.mp3"))
+        << "something that the tree does not show may have the expected name";
+    EXPECT_THAT(FindNames({{"a.mp3", 5}}, {}, {{"a999999.mp3", 5}}), ElementsAre("a999999.mp3"));
+    EXPECT_THAT(FindNames({{"a.mp3", 5}}, {}, {{"a1000000.mp3", 5}}), ElementsAre(""));
 }
 
 // Against a folder that names its files in the plainest way.
 TEST(AddedNames, AgreesWithAFolderThatIsThere) {
     std::mt19937 random(20);  // NOLINT: the same run every time
-    const std::vector<std::string> stems = {"s", "s1", "s11", "s2", "S", "1", ""};
+    const Names stems = {"s", "s1", "s11", "s2", "S", "1", ""};
     for (int round = 0; round < 300; ++round) {
         std::set<std::string> folder;
-        std::vector<WaitingFile> before;
-        std::vector<WaitingFile> after;
-        std::vector<CopiedFile> copied;
-        std::vector<std::string> given;
+        Sized before, after, copied;
+        Names given;
         for (int i = 0; i < 12; ++i) {
             const std::string stem = stems[random() % stems.size()];
+            const std::string folded = stem == "S" ? "s" : stem;
             std::string name = stem + ".mp3";
-            for (int number = 1; folder.contains(name == "S.mp3" ? "s.mp3" : name); ++number)
-                name = (stem == "S" ? "s" : stem) + std::to_string(number) + ".mp3";
-            folder.insert(name == "S.mp3" ? "s.mp3" : name);
-            after.push_back({name, 7, {}, {}});
+            for (int number = 1; !folder.insert(name == "S.mp3" ? "s.mp3" : name).second; ++number)
+                name = folded + std::to_string(number) + ".mp3";
+            after.emplace_back(name, 7);
             if (i < 4) {
                 before.push_back(after.back());
             } else {
-                copied.push_back({stem + ".mp3", 7});
+                copied.emplace_back(stem + ".mp3", 7);
                 given.push_back(name);
             }
         }
         std::shuffle(after.begin(), after.end(), random);
-        ASSERT_EQ(Names(copied, before, after), given) << "round " << round;
+        ASSERT_EQ(FindNames(copied, before, after), given) << "round " << round;
     }
 }
 

@@ -1,170 +1,106 @@
-// The private environment, seen through a driver that copies what its variables point to.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "tests/host/host_process.h"
+// What --library, --media and --drive make of the environment of the driver.
+#include "tests/host/host_test.h"
+#include "tests/support/itl_file.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
-constexpr const char *kLibrary =
-    "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict>\n"
-    "<key>Music Folder</key><string>file://localhost/C:/Old%20Music/</string>\n"
-    "<key>Location</key><string>file://localhost/C:/Old%20Music/Music/a%20&#38;%20b.mp3</string>\n"
-    "<key>Location</key><string>file://localhost/C:/Old%20Music/iTunes%20Extras/c.mp3</string>\n"
-    "<key>Location</key><string>file://localhost/D:/Else/d.mp3</string>\n</dict></plist>\n";
-
-class Environment : public testing::Test {
+// A library that was moved: none that is the user's own is left, and its media folder is "disk".
+class MovedLibrary : public HostTest {
   protected:
-    Environment() {
-        host_.Set("FAKE_DRIVER_SNAPSHOT", Snapshot().string());
-        fs::create_directories(Snapshot());
-        host_.files().Write("old/Library.xml", kLibrary);
-        host_.files().Write("old/Album Artwork/cover", "x");
-        host_.files().Write("disk/Music/a & b.mp3", "x");
-        host_.files().Write("disk/Books/book.epub", "x");
-        host_.files().Write("disk/iTunes Extras/c.mp3", "x");
-        host_.files().Write("disk/Automatically Add to iTunes/waiting.mp3", "x");
+    MovedLibrary() {
+        Rename("iTunes%20Media/Podcasts/", "iTunes%20Media/iTunes%20Extras/");
+        Rename("C:/Music/iTunes/iTunes%20Media/Movies/", "Z:/Movies/");
+        fs::rename(place_.library_xml.parent_path(), path_ + "old");
+        fs::rename(path_ + "old/iTunes Media", path_ + "disk");
+        fs::rename(path_ + "disk/Podcasts", path_ + "disk/iTunes Extras");
+        fs::rename(path_ + "old/iTunes Music Library.xml", path_ + "old/a.xml");
+        fs::remove_all(place_.home);
     }
-    fs::path Snapshot() const { return host_.folder() / "snapshot"; }
-    std::string Library() const { return (host_.folder() / "old" / "Library.xml").string(); }
-    std::string Disk() const { return (host_.folder() / "disk").string(); }
-
-    HostProcess host_;
 };
 
-TEST_F(Environment, UsersOwnLibraryKeepsTheUsersEnvironment) {
-    host_.Set("APPDATA", (host_.folder() / "disk").string());
-    EXPECT_EQ(host_.Run({"ls"}).exit_code, 0);
-    EXPECT_TRUE(fs::exists(Snapshot() / "APPDATA" / "Books"));
-    EXPECT_TRUE(fs::is_empty(Snapshot() / "TEMP")) << "temporary files of the driver are to be removed";
-    EXPECT_EQ(host_.LeftBehind(), 0U);
+TEST_F(MovedLibrary, FileStandsAlone) {
+    ItlFile file(ItlForm12());
+    file.AddTrack({.id = 77, .texts = {{.text = "Song"}, {kItlLocation, "C:\\Song.mp3"}}});
+    file.AddPlaylist({.name = "Music", .kind = 4, .id = 2, .items = {77}});
+    folder_.Write("old/a.itl", file.Bytes());
+    Expect({{"--library old/a.xml ls library/music", 0, "101.mp3\n102.mp3\n"},
+            {"--library old/a.xml stat library/music/101.mp3/thumb", 0,
+             " " + path_ + "old/Album Artwork/Cache/"},
+            {"--library old/a.itl ls library/music", 0, "77.mp3\n"},
+            {"--library old/a.itl --media disk ls", 0, "keep their old places"}});
 }
 
-TEST_F(Environment, LibraryFileStandsAlone) {
-    const HostResult result = host_.Run({"--library", Library(), "ls"});
-    EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_TRUE(fs::exists(Snapshot() / "APPDATA" / "Apple Computer" / "iTunes" / "iTunesPrefs.xml"));
-    EXPECT_EQ(fs::read_symlink(Snapshot() / "library" / "iTunes Library.xml"), Library());
-    EXPECT_TRUE(fs::exists(Snapshot() / "library" / "Album Artwork" / "cover"));
-    EXPECT_TRUE(fs::is_empty(Snapshot() / "media" / "Automatically Add to iTunes"));
-    EXPECT_THAT(ReadWholeFile(Snapshot() / "XDG_CONFIG_HOME" / "user-dirs.dirs"), HasSubstr("/music\""));
-    EXPECT_EQ(host_.LeftBehind(), 0U);
+TEST_F(MovedLibrary, MediaFolderIsLinkedAndLocationsMove) {
+    const std::string moved = "--library old/a.xml --media disk ";
+    Expect({{moved + "cat library/music/105.wav", 0, "RIFF"},
+            {moved + "cat library/podcast/113.mp3", 0, "ID3"},  // not merged with the add folder
+            {moved + "stat library/music/105.wav", 0, "  location          " + path_ + "disk/Music/Test"},
+            {moved + "stat library/movie/111.m4v", 0, "  location          Z:/Movies/Holiday"},
+            {moved + "ls library/book", 0, "\nTide Tables.pdf"}});  // found by a scan
+    EXPECT_EQ(Run(moved + "ls library/music").output.find("500000"), std::string::npos)
+        << "of the add folder";
+    EXPECT_TRUE(fs::exists(path_ + "disk/Automatically Add to iTunes/Waiting Room.mp3"));
+    EXPECT_EQ(ReadWholeFile(path_ + "old/a.xml"), library_xml_);
+    folder_.Write("old/a.xml", library_xml_.replace(library_xml_.find("Music Folder"), 12, "Folder"));
+    Expect({{moved + "ls", 0, "does not say where its media folder was"}});
 }
 
-TEST_F(Environment, ItlFileIsTheOnlyLibraryThere) {
-    const fs::path itl = host_.files().Write("old/iTunes Library.itl", "hdfm");
-    const HostResult result = host_.Run({"--library", itl.string(), "ls"});
-    EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_EQ(fs::read_symlink(Snapshot() / "music" / "iTunes" / "iTunes Library.itl"), itl);
-    EXPECT_FALSE(fs::is_symlink(Snapshot() / "library" / "iTunes Library.xml"));
-    EXPECT_TRUE(fs::exists(Snapshot() / "library" / "Album Artwork" / "cover"));
-}
-
-TEST_F(Environment, MediaFolderIsLinkedAndLocationsMove) {
-    const HostResult result = host_.Run({"--library", Library(), "--media", Disk(), "ls"});
-    EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_EQ(fs::read_symlink(Snapshot() / "media" / "Books"), Disk() + "/Books");
-    EXPECT_FALSE(fs::exists(Snapshot() / "media" / "iTunes Extras")) << "the driver would merge it";
-    EXPECT_FALSE(fs::is_symlink(Snapshot() / "media" / "Automatically Add to iTunes"));
-    EXPECT_TRUE(fs::is_empty(Snapshot() / "media" / "Automatically Add to iTunes"));
-    const std::string copy = ReadWholeFile(Snapshot() / "library" / "iTunes Library.xml");
-    EXPECT_THAT(copy, HasSubstr("/media/Music/a%20%26%20b.mp3</string>"));
-    EXPECT_THAT(copy, HasSubstr("file://localhost" + Disk() + "/iTunes%20Extras/c.mp3</string>"));
-    EXPECT_THAT(copy, HasSubstr("<string>file://localhost/D:/Else/d.mp3</string>"));
-    EXPECT_TRUE(fs::exists(Disk() + "/Automatically Add to iTunes/waiting.mp3"));
-    EXPECT_EQ(ReadWholeFile(Library()), kLibrary);
-}
-
-TEST_F(Environment, OnlyAddReachesTheRealAddFolder) {
-    const std::string song = host_.files().Write("song.mp3", "bytes").string();
-    const std::vector<std::string> add = {"--library", Library(), "--media", Disk(), "add", song};
-    const HostResult result = host_.Run(add);
-    EXPECT_EQ(result.exit_code, 0) << result.errors;
-    EXPECT_EQ(fs::read_symlink(Snapshot() / "media" / "Automatically Add to iTunes"),
-              Disk() + "/Automatically Add to iTunes");
-    EXPECT_EQ(ReadWholeFile(Disk() + "/Automatically Add to iTunes/song.mp3"), "bytes");
-    EXPECT_EQ(host_.LeftBehind(), 0U);
-}
-
-TEST_F(Environment, AddFolderIsKnownByItsOtherNames) {
-    const std::string song = host_.files().Write("song.mp3", "bytes").string();
-    const auto add = [&] {
-        return host_.Run({"--library", Library(), "--media", Disk(), "add", "--json", song});
-    };
-    host_.Set("FAKE_DRIVER_SNAPSHOT", "");
-    fs::path folder = Disk() + "/Automatically Add to iTunes";
-    for (const char *name : {"Automatically Add to Music.localized", "Automatisch zu iTunes hinzufügen"}) {
-        fs::remove_all(Disk() + "/iTunes Extras");  // would do for one, too
-        fs::rename(folder, Disk() + "/" + name);
-        folder = Disk() + "/" + name;
-        EXPECT_THAT(add().output, HasSubstr("\"location\":\"" + folder.string() + "/song.mp3\"")) << name;
-        fs::remove(folder / "song.mp3");
+TEST_F(MovedLibrary, AddReachesTheRealAddFolderByAnyOfItsNames) {
+    const std::string add = "--library old/a.xml --media disk add --json song.mp3";
+    folder_.Write("song.mp3", "bytes");
+    std::string folder = path_ + "disk/Automatically Add to iTunes";
+    for (const char *name :
+         {"Automatically Add to iTunes", "Automatically Add to Music.localized", "In iTunes legen"}) {
+        fs::rename(folder, path_ + "disk/" + name);
+        folder = path_ + "disk/" + name;
+        Expect({{add, 0, "\"location\":\"" + folder + "/song.mp3\""}});
+        EXPECT_EQ(ReadWholeFile(folder + "/song.mp3"), "bytes");
+        fs::remove(folder + "/song.mp3");
+        fs::remove_all(path_ + "disk/iTunes Extras");  // would do for the last one, too
     }
     fs::remove_all(folder);
-    const HostResult none = add();
-    EXPECT_EQ(none.exit_code, 2);
-    EXPECT_THAT(none.errors, HasSubstr(Disk() + "\" holds no folder \"Automatically Add to iTunes\""));
-    EXPECT_EQ(host_.Run({"--library", Library(), "add", song}).exit_code, 2);
-    EXPECT_EQ(host_.LeftBehind(), 0U);
+    Expect({{add, 2, path_ + "disk\" holds no folder \"Automatically Add to iTunes\""}});
 }
 
-TEST_F(Environment, DrivesAreMappedBesideTheUsersOwn) {
-    fs::create_directories(host_.folder() / "home" / ".wine" / "dosdevices");
-    fs::create_directory_symlink("/usr", host_.folder() / "home" / ".wine" / "dosdevices" / "c:");
-    fs::create_directory_symlink("/usr", host_.folder() / "home" / ".wine" / "dosdevices" / "z:");
-    EXPECT_EQ(host_.Run({"--drive", "C:=" + Disk(), "--drive", "d=" + Disk(), "ls"}).exit_code, 0);
-    const fs::path drives = Snapshot() / "WINEPREFIX" / "dosdevices";
-    EXPECT_EQ(fs::read_symlink(drives / "c:"), Disk());
-    EXPECT_EQ(fs::read_symlink(drives / "d:"), Disk());
-    EXPECT_TRUE(fs::equivalent(drives / "z:", "/usr"));
+TEST_F(MovedLibrary, DrivesAreMappedBesideTheUsersOwn) {
+    fs::create_directories(path_ + "drive/Music/iTunes");
+    fs::create_directory_symlink(path_ + "disk", path_ + "drive/Music/iTunes/iTunes Media");
+    fs::create_directory_symlink(path_ + "disk", path_ + "wine/dosdevices/z:");
+    Expect({{"--library old/a.xml --drive C:=drive cat library/music/105.wav", 0, "RIFF"},
+            {"--library old/a.xml --drive c=drive --drive D=disk cat library/movie/111.m4v", 0, "ftyp"}});
+    fs::create_directories(place_.home);
+    fs::rename(path_ + "wine", place_.home / ".wine");
+    Set("WINEPREFIX", "");
+    Expect({{"--library old/a.xml --drive D:=drive cat library/movie/111.m4v", 0, "ftyp"}});
 }
 
-TEST_F(Environment, BadChoicesAreExplained) {
-    host_.files().Write("packed.xml.gz", "\x1F\x8B\x08");
-    host_.files().Write("words.txt", "no library");
-    host_.files().Write("empty.xml", "");
-    const auto expect = [this](std::vector<std::string> arguments, int code, const std::string &words) {
-        arguments.emplace_back("ls");
-        const HostResult result = host_.Run(arguments);
-        EXPECT_EQ(result.exit_code, code) << testing::PrintToString(arguments);
-        EXPECT_THAT(result.errors, HasSubstr(words));
-        EXPECT_EQ(host_.LeftBehind(), 0U) << testing::PrintToString(arguments);
-    };
-    const std::string folder = host_.folder().string() + "/";
-    expect({"--library", folder + "none.xml"}, 3, "does not exist");
-    expect({"--library", folder + "packed.xml.gz"}, 3, "gunzip");
-    expect({"--library", folder + "words.txt"}, 3, "no iTunes library");
-    expect({"--library", folder + "empty.xml"}, 3, "no iTunes library");
-    expect({"--library", folder + "old"}, 3, "old/Library.xml\"");
-    expect({"--library", Library(), "--media", folder + "none"}, 2, "--media");
-    expect({"--drive", "Music=" + Disk()}, 2, "--drive");
-    expect({"--drive", "C:"}, 2, "--drive");
-    expect({"--drive", "C:=" + folder + "none"}, 2, "none");
-    expect({"--drive", "C:=" + Disk(), "--drive", "c:=" + Disk()}, 2, "twice");
-}
-
-TEST_F(Environment, FailedLoadTellsWhatWasLookedForAndWhatToDo) {
-    host_.Set("FAKE_DRIVER_RESULT", "-999");
-    const fs::path itl = host_.files().Write("old/iTunes Library.itl", "hdfm");
-    for (const std::vector<std::string> &arguments :
-         std::vector<std::vector<std::string>>{{"ls"}, {"--library", itl.string(), "ls"}}) {
-        const HostResult result = host_.Run(arguments);
-        EXPECT_EQ(result.exit_code, 3);
-        EXPECT_THAT(result.errors, HasSubstr("\"Share iTunes Library XML with other applications\""));
-        EXPECT_THAT(result.errors, HasSubstr("iTunes Library.itl\""));
-        EXPECT_EQ(result.errors.find("Music\\Library.xml\" and") != std::string::npos, arguments.size() == 1);
-    }
-}
-
-TEST_F(Environment, FailedLoadOfALibraryFileNamesIt) {
-    host_.Set("FAKE_DRIVER_RESULT", "-1");
-    const HostResult result = host_.Run({"--library", Library(), "ls"});
-    EXPECT_EQ(result.exit_code, 3);
-    EXPECT_THAT(result.errors, HasSubstr("Library.xml\" could not be opened"));
-    EXPECT_EQ(host_.LeftBehind(), 0U);
+TEST_F(MovedLibrary, BadChoicesAreExplained) {
+    const std::string tick = "\"Share iTunes Library XML with other applications\"";
+    const std::string wanted = place_.home.string() + "/Music\\iTunes\\iTunes Music Library.xml\" and for";
+    for (const std::string bytes : {"\x1F\x8B\x08", "PK", "words", "", "\xEF\xBB\xBF\n<?xml>", "hdfm"})
+        folder_.Write("bad" + std::to_string(bytes.size()), bytes);
+    Expect(
+        {{"--library none.xml ls", 3, "does not exist"},
+         {"--library bad3 ls", 3, "gunzip"},
+         {"--library bad2 ls", 3, "is a zip archive"},
+         {"--library bad5 ls", 3, "is no iTunes library"},
+         {"--library bad0 ls", 3, "is no iTunes library"},
+         {"--library bad10 ls", 3, "\"bad10\" could not be opened as an iTunes library"},
+         {"--library bad4 ls", 3, "\"bad4\" could not be read: it is damaged"},
+         {"--library bad4 ls", 3, tick},
+         {"--library old ls", 3, "is a folder without a library file"},
+         {"--library old/a.xml --media none ls", 2, "--media: \"none\" is no folder"},
+         {"--drive Music=disk ls", 2, "--drive wants a letter"},
+         {"--drive C: ls", 2, "--drive wants a letter"},
+         {"--drive C:=none ls", 2, "--drive: \"none\" is no folder"},
+         {"--drive C:=disk --drive c:=disk ls", 2, "the drive \"c:\" twice"},
+         {"ls", 3, "Looked for the XML file \"" + wanted},
+         {"ls", 3, tick},
+         {"ls", 3, "(The driver gave -999: [iTunes] Open iTunes Library file error!; [iTunes] Open iTunes"}});
+    fs::rename(path_ + "old/a.xml", path_ + "old/Library.xml");
+    Expect({{"--library old ls", 3, "--library \"old/Library.xml\""}});
 }
 
 }  // namespace

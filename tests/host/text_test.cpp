@@ -24,41 +24,40 @@ TEST(Text, DecodesUtf8AndNothingElse) {
     EXPECT_EQ(DecodeUtf8("\xC0\xAF", 0).code, kBadByte) << "overlong";
     EXPECT_EQ(DecodeUtf8("\xE0\x80\xAF", 0).code, kBadByte) << "overlong";
     EXPECT_EQ(DecodeUtf8("\xF4\x90\x80\x80", 0).code, kBadByte) << "beyond the last character";
+    EXPECT_EQ(DecodeUtf8("\xB4\x80\x80\x80", 0).code, kBadByte) << "no lead";
     EXPECT_EQ(DecodeUtf8("", 0).length, 0U);
 }
 
 TEST(Text, EscapesWhatWouldDriveATerminal) {
-    EXPECT_EQ(EscapeText("a\x1b[2Jb\r\n\tc\x7f"), "a\\x1b[2Jb\\r\\n\\tc\\x7f");
-    EXPECT_EQ(EscapeText("\xC2\x9B"
-                         "31m"),
-              "\\u009b31m");
-    EXPECT_EQ(EscapeText("a\xE2\x80\xAE.gpj\xE2\x80\xAC"), "a\\u202e.gpj\\u202c");
-    EXPECT_EQ(EscapeText("bad \xff\xC3"), "bad \\xff\\xc3");
-    EXPECT_EQ(EscapeText("Björk – ジョーガ 🎵 C:\\x"), "Björk – ジョーガ 🎵 C:\\x");
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"a\x1b[2Jb\r\n\tc\x7f", "a\\x1b[2Jb\\r\\n\\tc\\x7f"},
+        {"\xC2\x80\xC2\x9F\xC2\xA0~", "\\u0080\\u009f\xC2\xA0~"},
+        {"a\xE2\x80\xAE.gpj\xE2\x80\xAC", "a\\u202e.gpj\\u202c"},
+        {"bad \xff\xC3", "bad \\xff\\xc3"},
+        {"Björk – ジョーガ 🎵 C:\\x", "Björk – ジョーガ 🎵 C:\\x"}};
+    for (const auto &[text, escaped] : cases)
+        EXPECT_EQ(EscapeText(text), escaped);
+    for (const auto &[first, last] : std::vector<std::pair<char32_t, char32_t>>{
+             {0x61C, 0x61C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}}) {
+        EXPECT_TRUE(IsHarmful(first) && IsHarmful(last));
+        EXPECT_FALSE(IsHarmful(first - 1) || IsHarmful(last + 1));
+    }
 }
 
-TEST(Text, CutsBetweenCharacters) {
+TEST(Text, CutsAndFoldsWholeLetters) {
     EXPECT_EQ(CutAtCharacter("aé", 2), "a");
     EXPECT_EQ(CutAtCharacter("aé", 3), "aé");
     EXPECT_EQ(CutAtCharacter("🎵", 3), "");
+    EXPECT_EQ(FoldCase("BJÖRK ЛЕС Straße \xFF"), "björk лес straße \xFF");
 }
 
-TEST(Text, FoldsCaseBeyondAscii) {
-    EXPECT_EQ(FoldCase("BJÖRK ЛЕС Straße"), "björk лес straße");
-}
-
-TEST(Text, ReadsNumbersWhole) {
+TEST(Text, NumbersAreReadWholeAndWrittenForPeople) {
     EXPECT_EQ(ParseNumber("-12"), -12);
     for (const char *text : {"", "12x", " 1", "99999999999999999999"})
         EXPECT_EQ(ParseNumber(text), std::nullopt);
-}
-
-TEST(Text, SizesRoundIntoTheNextUnit) {
-    EXPECT_EQ(FormatSize(999), "999 B");
-    EXPECT_EQ(FormatSize(1000), "1.0 kB");
-    EXPECT_EQ(FormatSize(999'949), "999.9 kB");
-    EXPECT_EQ(FormatSize(999'999), "1.0 MB");
-    EXPECT_EQ(FormatSize(UINT64_MAX), "18.4 EB");
+    const std::string sizes =
+        FormatSize(999) + ", " + FormatSize(1000) + ", " + FormatSize(999'949) + ", " + FormatSize(999'999);
+    EXPECT_EQ(sizes + ", " + FormatSize(UINT64_MAX), "999 B, 1.0 kB, 999.9 kB, 1.0 MB, 18.4 EB");
 }
 
 }  // namespace

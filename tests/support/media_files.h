@@ -27,7 +27,7 @@ std::string Mp3File(int seconds, const MediaTags &tags);
 // ringtones.
 std::string M4aFile(int seconds, const MediaTags &tags);
 
-// The same sound with an H.264 picture track of 64 x 48 pixels, five pictures a second, each of one grey.
+// The same sound with a track of five pictures a second, PNG files of 48 x 48 pixels.
 std::string M4vFile(int seconds, const MediaTags &tags);
 
 // A document of one page with one line of text, which must not contain parentheses or backslashes.

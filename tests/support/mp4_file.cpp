@@ -3,8 +3,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/artwork_file.h"
 #include "tests/support/byte_text.h"
-#include "tests/support/h264_picture.h"
 #include "tests/support/media_files.h"
 
 // MP4: a file is a row of boxes, each a size (4), a name (4) and a body of fields or further boxes. "moov"
@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint32_t kMovieScale = 1000;
 constexpr std::uint32_t kLanguageUndetermined = 0x55C4;
+constexpr int kPictureSide = 48;
 
 struct Track {
     std::uint32_t number;
@@ -73,26 +74,21 @@ Track SoundTrack(int seconds) {
             .samples = std::vector<std::string>(frames, std::string("\x00\x00\x00\x07", 4))};
 }
 
-std::string PictureDescription() {
-    constexpr std::uint32_t kDotsPerInch = 72U << 16;
-    return Box("avc1", Zeros(6) + BigEndian(1, 2) + Zeros(16) + BigEndian(kPictureWidth, 2) +
-                           BigEndian(kPictureHeight, 2) + BigEndian(kDotsPerInch) + BigEndian(kDotsPerInch) +
-                           Zeros(4) + BigEndian(1, 2) + Zeros(32) + BigEndian(24, 2) + BigEndian(0xFFFF, 2) +
-                           Box("avcC", H264Configuration()));
-}
-
+// Each picture is a PNG file, which is the simplest of all forms that players know.
 Track PictureTrack(int seconds) {
-    constexpr int kPicturesPerSecond = 5;
-    Track track{.number = 2,
-                .video = true,
-                .scale = kPicturesPerSecond,
-                .sample_duration = 1,
-                .description = PictureDescription(),
-                .samples = {}};
-    for (int i = 0; i < seconds * kPicturesPerSecond; ++i) {
-        track.samples.push_back(H264Picture(static_cast<std::uint8_t>(16 + i * 12 % 220), i));
-    }
-    return track;
+    constexpr std::uint32_t kPicturesPerSecond = 5;
+    constexpr std::uint32_t kDotsPerInch = 72U << 16;
+    const std::string description =
+        Box("png ", Zeros(6) + BigEndian(1, 2) + Zeros(16) + BigEndian(kPictureSide, 2) +
+                        BigEndian(kPictureSide, 2) + BigEndian(kDotsPerInch) + BigEndian(kDotsPerInch) +
+                        Zeros(4) + BigEndian(1, 2) + Zeros(32) + BigEndian(24, 2) + BigEndian(0xFFFF, 2));
+    const auto pictures = static_cast<std::size_t>(seconds) * kPicturesPerSecond;
+    return {.number = 2,
+            .video = true,
+            .scale = kPicturesPerSecond,
+            .sample_duration = 1,
+            .description = description,
+            .samples = std::vector<std::string>(pictures, PngPicture(kPictureSide))};
 }
 
 std::uint32_t MovieTime(const Track &track) {
@@ -122,13 +118,11 @@ std::string MediaInformation(const Track &track, std::uint32_t offset) {
 std::string TrackBox(const Track &track, std::uint32_t offset) {
     constexpr std::uint32_t kEnabledInMovie = 3;
     const std::uint32_t volume = track.video ? 0 : 0x100;
-    const std::uint32_t width = track.video ? kPictureWidth : 0;
-    const std::uint32_t height = track.video ? kPictureHeight : 0;
+    const std::string side = BigEndian(track.video ? kPictureSide << 16 : 0);
     const std::string header =
         FullBox("tkhd", kEnabledInMovie,
                 Zeros(8) + BigEndian(track.number) + Zeros(4) + BigEndian(MovieTime(track)) + Zeros(12) +
-                    BigEndian(volume, 2) + Zeros(2) + UnityMatrix() + BigEndian(width << 16) +
-                    BigEndian(height << 16));
+                    BigEndian(volume, 2) + Zeros(2) + UnityMatrix() + side + side);
     const std::string media_header = FullBox("mdhd", 0,
                                              Zeros(8) + BigEndian(track.scale) + BigEndian(track.Duration()) +
                                                  BigEndian(kLanguageUndetermined, 2) + Zeros(2));
@@ -137,24 +131,19 @@ std::string TrackBox(const Track &track, std::uint32_t offset) {
 }
 
 // A tag of iTunes: a box of the tag's name around "data", which begins with the type (1: UTF-8, 0: numbers).
-std::string Tag(std::string_view name, std::uint32_t type, const std::string &value) {
+std::string Tag(const std::string &name, std::uint32_t type, const std::string &value) {
     if (value.empty()) return {};
     return Box(name, Box("data", BigEndian(type) + Zeros(4) + value));
 }
 
+std::string TextTag(const char *name, const std::string &value) {
+    return Tag(std::string("\xA9") + name, 1, value);
+}
+
 std::string TagsBox(const MediaTags &tags) {
     const std::string year = tags.year == 0 ? std::string() : std::to_string(tags.year);
-    const std::string items = Tag("\xA9nam", 1, tags.title) +
-                              Tag("\xA9"
-                                  "ART",
-                                  1, tags.artist) +
-                              Tag("\xA9"
-                                  "alb",
-                                  1, tags.album) +
-                              Tag("\xA9gen", 1, tags.genre) +
-                              Tag("\xA9"
-                                  "day",
-                                  1, year) +
+    const std::string items = TextTag("nam", tags.title) + TextTag("ART", tags.artist) +
+                              TextTag("alb", tags.album) + TextTag("gen", tags.genre) + TextTag("day", year) +
                               Tag("trkn", 0, BigEndian(static_cast<std::uint32_t>(tags.track)) + Zeros(4));
     const std::string handler = FullBox("hdlr", 0, Zeros(4) + "mdirappl" + Zeros(9));
     return Box("udta", FullBox("meta", 0, handler + Box("ilst", items)));

@@ -1,45 +1,19 @@
 #include "tests/support/preference_file.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
+#include "platform/core_foundation/utf_text.h"
 #include "tests/support/property_list_xml.h"
 
-namespace {
-
-char32_t NextCodePoint(std::string_view &utf8) {
-    const auto first = static_cast<unsigned char>(utf8.front());
-    const auto length = static_cast<std::size_t>(std::max(1, std::countl_one(first)));
-    if (length > 4 || length > utf8.size()) throw std::invalid_argument("text is not UTF-8");
-    char32_t point = length == 1 ? first : first & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i)
-        point = point << 6 | (static_cast<unsigned char>(utf8[i]) & 0x3FU);
-    utf8.remove_prefix(length);
-    return point;
-}
-
-void AppendUnit(std::string &bytes, char32_t unit) {
-    bytes += static_cast<char>(unit & 0xFFU);
-    bytes += static_cast<char>(unit >> 8 & 0xFFU);
-}
-
-}  // namespace
-
 std::string Utf16Bytes(std::string_view utf8) {
-    std::string bytes;
-    while (!utf8.empty()) {
-        const char32_t point = NextCodePoint(utf8);
-        if (point < 0x10000) {
-            AppendUnit(bytes, point);
-        } else {
-            AppendUnit(bytes, 0xD800 + ((point - 0x10000) >> 10));
-            AppendUnit(bytes, 0xDC00 + ((point - 0x10000) & 0x3FF));
-        }
-    }
-    return bytes;
+    if (!core_foundation::IsUtf8(utf8)) throw std::invalid_argument("text is not UTF-8");
+    std::string units = core_foundation::Utf8ToUtf16BigEndian(utf8);
+    for (std::size_t i = 0; i < units.size(); i += 2)
+        std::swap(units[i], units[i + 1]);
+    return units;
 }
 
 std::string BackslashPath(const std::filesystem::path &path) {

@@ -194,7 +194,7 @@ XmlEntries Entries(const SampleTrack &track, const LibraryPlace &place, std::siz
     entries.push_back({"Date Added", XmlDate("2013-05-05T06:07:08Z")});
     AddNumber(entries, "Bit Rate", sound ? 32 : 0);
     AddNumber(entries, "Sample Rate", sound ? 44100 : 0);
-    AddNumber(entries, "Video Width", video ? 64 : 0);
+    AddNumber(entries, "Video Width", video ? 48 : 0);
     AddNumber(entries, "Video Height", video ? 48 : 0);
     AddNumber(entries, "Play Count", track.id % 5);
     AddNumber(entries, "Rating", std::int64_t{20} * (track.id % 6));

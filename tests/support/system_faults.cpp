@@ -75,19 +75,8 @@ bool FaultInjection::WasHit() const {
     return armed && calls_left <= 0;
 }
 
-FoldersAreFileSystems::FoldersAreFileSystems() {
-    folders_are_file_systems = true;
-}
-FoldersAreFileSystems::~FoldersAreFileSystems() {
-    folders_are_file_systems = false;
-}
-
-RenameFlagsUnknown::RenameFlagsUnknown() {
-    rename_flags_unknown = true;
-}
-RenameFlagsUnknown::~RenameFlagsUnknown() {
-    rename_flags_unknown = false;
-}
+FoldersAreFileSystems::FoldersAreFileSystems() : ScopedFlag(folders_are_file_systems) {}
+RenameFlagsUnknown::RenameFlagsUnknown() : ScopedFlag(rename_flags_unknown) {}
 
 // A call under a name of ours, so that the system's declarations do not matter, and for libraries to find.
 #define SYSTEM_CALL(result, name, symbol, parameters)                                         \

@@ -32,22 +32,25 @@ class FaultInjection {
     bool WasHit() const;
 };
 
-// While it lives, every folder counts as a file system of its own when something is renamed or linked.
-class FoldersAreFileSystems {
+class ScopedFlag {
   public:
+    explicit ScopedFlag(bool &flag) : flag_(flag) { flag_ = true; }
+    ~ScopedFlag() { flag_ = false; }
+    ScopedFlag(const ScopedFlag &) = delete;
+    ScopedFlag &operator=(const ScopedFlag &) = delete;
+
+  private:
+    bool &flag_;
+};
+
+// While it lives, every folder counts as a file system of its own when something is renamed or linked.
+struct FoldersAreFileSystems : ScopedFlag {
     FoldersAreFileSystems();
-    ~FoldersAreFileSystems();
-    FoldersAreFileSystems(const FoldersAreFileSystems &) = delete;
-    FoldersAreFileSystems &operator=(const FoldersAreFileSystems &) = delete;
 };
 
 // While it lives, the file system does not know a rename that must not replace.
-class RenameFlagsUnknown {
-  public:
+struct RenameFlagsUnknown : ScopedFlag {
     RenameFlagsUnknown();
-    ~RenameFlagsUnknown();
-    RenameFlagsUnknown(const RenameFlagsUnknown &) = delete;
-    RenameFlagsUnknown &operator=(const RenameFlagsUnknown &) = delete;
 };
 
 #endif
