@@ -11,8 +11,8 @@
 
 #include "bench/library_walk.h"
 #include "bench/measure.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/temp_folder.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/temp_folder.h"
 
 namespace {
 

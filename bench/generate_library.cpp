@@ -1,4 +1,4 @@
-#include "tests/support/generated_library.h"
+#include "fixtures/generated_library.h"
 
 #include <cstdlib>
 #include <exception>

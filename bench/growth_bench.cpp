@@ -10,8 +10,8 @@
 
 #include "bench/growth_cases.h"
 #include "bench/measure.h"
+#include "fixtures/temp_folder.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

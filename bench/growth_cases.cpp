@@ -15,14 +15,14 @@
 #include "content/zip_extract.h"
 #include "driver/library_driver.h"
 #include "driver/unique_file.h"
+#include "fixtures/itl_file.h"
+#include "fixtures/library_place.h"
+#include "fixtures/library_xml.h"
+#include "fixtures/preference_file.h"
+#include "fixtures/zip_builder.h"
 #include "platform/itl_parser/itl_parser.h"
 #include "platform/windows/text.h"
 #include "tests/artwork/id3_builder.h"
-#include "tests/support/itl_file.h"
-#include "tests/support/library_place.h"
-#include "tests/support/library_xml.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/zip_builder.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include "bench/library_walk.h"
 #include "bench/measure.h"
 #include "driver/itunes_driver.h"
+#include "fixtures/library_place.h"
+#include "fixtures/temp_folder.h"
 #include "platform/itl_parser/itl_parser.h"
-#include "tests/support/library_place.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

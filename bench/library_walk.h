@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "driver/itunes_driver.h"
-#include "tests/support/library_place.h"
+#include "fixtures/library_place.h"
 
 // A library that is loaded for a scope, through the exports as a host does it. Throws std::runtime_error.
 class LoadedLibrary {

@@ -20,9 +20,9 @@
 #include "bench/library_walk.h"
 #include "bench/measure.h"
 #include "driver/itunes_driver.h"
+#include "fixtures/library_place.h"
+#include "fixtures/temp_folder.h"
 #include "platform/core_foundation/core_foundation.h"
-#include "tests/support/library_place.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

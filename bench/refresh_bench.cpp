@@ -7,10 +7,10 @@
 #include "bench/measure.h"
 #include "content/plist_values.h"
 #include "driver/library_driver.h"
+#include "fixtures/generated_library.h"
+#include "fixtures/library_place.h"
+#include "fixtures/temp_folder.h"
 #include "library/refresh.h"
-#include "tests/support/generated_library.h"
-#include "tests/support/library_place.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

@@ -14,9 +14,9 @@
 
 #include "bench/library_walk.h"
 #include "bench/measure.h"
-#include "tests/support/generated_library.h"
-#include "tests/support/media_files.h"
-#include "tests/support/temp_folder.h"
+#include "fixtures/generated_library.h"
+#include "fixtures/media_files.h"
+#include "fixtures/temp_folder.h"
 
 namespace {
 

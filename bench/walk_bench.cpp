@@ -7,8 +7,8 @@
 
 #include "bench/library_walk.h"
 #include "bench/measure.h"
-#include "tests/support/generated_library.h"
-#include "tests/support/temp_folder.h"
+#include "fixtures/generated_library.h"
+#include "fixtures/temp_folder.h"
 
 namespace {
 

@@ -5,12 +5,12 @@
 
 #include "content/zip_archive.h"
 #include "content/zip_entry.h"
+#include "fixtures/byte_text.h"
+#include "fixtures/preference_file.h"
+#include "fixtures/temp_folder.h"
+#include "fixtures/zip_builder.h"
 #include "fuzz/choices.h"
 #include "fuzz/fuzz_target.h"
-#include "tests/support/byte_text.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/temp_folder.h"
-#include "tests/support/zip_builder.h"
 
 namespace {
 

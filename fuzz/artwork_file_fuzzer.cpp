@@ -5,12 +5,12 @@
 #include "artwork/artwork_file.h"
 #include "artwork/thumb_node.h"
 #include "driver/scanned_entries.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/preference_file.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "fuzz/work_folder.h"
 #include "tests/driver/tree_fixture.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/preference_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     constexpr size_t kMostImages = 1024;

@@ -2,11 +2,11 @@
 
 #include <fstream>
 
-#include "tests/support/archive_files.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/file_writing.h"
-#include "tests/support/library_xml.h"
-#include "tests/support/media_files.h"
+#include "fixtures/archive_files.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/file_writing.h"
+#include "fixtures/library_xml.h"
+#include "fixtures/media_files.h"
 
 namespace {
 

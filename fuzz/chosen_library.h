@@ -2,8 +2,8 @@
 #ifndef FUZZ_CHOSEN_LIBRARY_H
 #define FUZZ_CHOSEN_LIBRARY_H
 
+#include "fixtures/library_place.h"
 #include "fuzz/choices.h"
-#include "tests/support/library_place.h"
 
 // Writes the library XML of the place: tracks and lists with keys that the driver knows, and values of any
 // kind.

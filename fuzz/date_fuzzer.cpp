@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "content/date_parser.h"
+#include "fixtures/scoped_zone.h"
 #include "fuzz/choices.h"
 #include "fuzz/fuzz_target.h"
-#include "tests/support/scoped_zone.h"
 
 namespace {
 

@@ -5,15 +5,15 @@
 
 #include "content/book.h"
 #include "driver/scanned_entries.h"
+#include "fixtures/archive_files.h"
+#include "fixtures/preference_file.h"
+#include "fixtures/zip_builder.h"
 #include "fuzz/archive_input.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "fuzz/work_folder.h"
 #include "tests/content/epub_files.h"
 #include "tests/driver/tree_fixture.h"
-#include "tests/support/archive_files.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/zip_builder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static WorkFolder work;

@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "driver/itunes_driver.h"
+#include "fixtures/library_place.h"
+#include "fixtures/scoped_environment.h"
+#include "fixtures/temp_folder.h"
 #include "fuzz/choices.h"
 #include "fuzz/chosen_library.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "tests/driver/fake_windows.h"
-#include "tests/support/library_place.h"
-#include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
 
 namespace fs = std::filesystem;
 

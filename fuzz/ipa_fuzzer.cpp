@@ -5,13 +5,13 @@
 
 #include "content/application.h"
 #include "driver/scanned_entries.h"
+#include "fixtures/archive_files.h"
+#include "fixtures/preference_file.h"
 #include "fuzz/archive_input.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "fuzz/work_folder.h"
 #include "tests/driver/tree_fixture.h"
-#include "tests/support/archive_files.h"
-#include "tests/support/preference_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     static WorkFolder work;

@@ -13,10 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "fixtures/itl_file.h"
 #include "fuzz/choices.h"
 #include "fuzz/fuzz_target.h"
 #include "platform/itl_parser/library_reader.h"
-#include "tests/support/itl_file.h"
 
 namespace {
 

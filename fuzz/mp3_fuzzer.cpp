@@ -6,14 +6,14 @@
 
 #include "artwork/local_file.h"
 #include "driver/scanned_entries.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/media_files.h"
+#include "fixtures/preference_file.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/tree_check.h"
 #include "fuzz/work_folder.h"
 #include "tests/artwork/id3_builder.h"
 #include "tests/driver/tree_fixture.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/media_files.h"
-#include "tests/support/preference_file.h"
 
 namespace {
 

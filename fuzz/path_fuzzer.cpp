@@ -6,11 +6,11 @@
 
 #include "content/location_url.h"
 #include "content/zip_entry_path.h"
+#include "fixtures/temp_folder.h"
 #include "fuzz/fuzz_target.h"
 #include "platform/windows/native_path.h"
 #include "platform/windows/path_resolution.h"
 #include "platform/windows/text.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

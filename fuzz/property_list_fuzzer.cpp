@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fixtures/byte_text.h"
 #include "fuzz/choices.h"
 #include "fuzz/fuzz_target.h"
 #include "platform/core_foundation/cf_owner.h"
@@ -15,7 +16,6 @@
 #include "platform/core_foundation/tree_walk.h"
 #include "platform/core_foundation/value.h"
 #include "platform/core_foundation/writer.h"
-#include "tests/support/byte_text.h"
 
 namespace {
 

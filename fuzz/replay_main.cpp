@@ -13,9 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include "fixtures/file_writing.h"
+#include "fixtures/temp_folder.h"
 #include "fuzz/fuzz_target.h"
-#include "tests/support/file_writing.h"
-#include "tests/support/temp_folder.h"
 
 namespace fs = std::filesystem;
 

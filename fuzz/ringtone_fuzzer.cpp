@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "artwork/sound_length.h"
+#include "fixtures/media_files.h"
+#include "fixtures/preference_file.h"
 #include "fuzz/choices.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/work_folder.h"
-#include "tests/support/media_files.h"
-#include "tests/support/preference_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     constexpr const char *kNames[] = {"a.m4r", "a.mp3", "a.wav", "a.aif", "a.flac", "a.ogg", "a.asf", "a"};

@@ -6,9 +6,9 @@
 #include <set>
 #include <string>
 
+#include "fixtures/temp_folder.h"
 #include "fuzz/fuzz_target.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "tests/support/temp_folder.h"
 
 // A folder with a folder "temp" for temporary files, below folders that nothing may touch. One for the
 // process; each input clears what it has made.

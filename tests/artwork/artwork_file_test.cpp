@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "artwork/track_thumbnails.h"
+#include "fixtures/byte_text.h"
 #include "platform/limits.h"
 #include "tests/artwork/thumb_tree.h"
-#include "tests/support/byte_text.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "fixtures/artwork_file.h"
 #include "tests/artwork/thumb_tree.h"
-#include "tests/support/artwork_file.h"
 
 namespace {
 

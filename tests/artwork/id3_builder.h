@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/support/byte_text.h"
+#include "fixtures/byte_text.h"
 
 // ID3v2.3 tags of any content.
 

@@ -10,10 +10,10 @@
 
 #include "artwork/media_info.h"
 #include "artwork/tag_attributes.h"
+#include "fixtures/media_files.h"
 #include "tests/artwork/id3_builder.h"
 #include "tests/artwork/thumb_tree.h"
 #include "tests/support/collected_log.h"
-#include "tests/support/media_files.h"
 
 namespace {
 

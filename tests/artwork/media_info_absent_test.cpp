@@ -8,9 +8,9 @@
 
 #include "artwork/local_file.h"
 #include "artwork/media_info.h"
+#include "fixtures/media_files.h"
 #include "platform/windows/windows_api.h"
 #include "tests/artwork/thumb_tree.h"
-#include "tests/support/media_files.h"
 
 namespace {
 

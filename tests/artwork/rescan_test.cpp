@@ -9,9 +9,9 @@
 #include "artwork/media_folder_walk.h"
 #include "artwork/ringtones.h"
 #include "artwork/sound_length.h"
+#include "fixtures/media_files.h"
 #include "tests/artwork/id3_builder.h"
 #include "tests/artwork/thumb_tree.h"
-#include "tests/support/media_files.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

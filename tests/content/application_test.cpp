@@ -7,9 +7,9 @@
 #include <string>
 
 #include "content/app_info.h"
+#include "fixtures/property_list_xml.h"
 #include "platform/limits.h"
 #include "tests/content/media_tree.h"
-#include "tests/support/property_list_xml.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include "content/book_scan.h"
 #include "content/file_kinds.h"
 #include "content/plist_values.h"
+#include "fixtures/property_list_xml.h"
 #include "tests/content/epub_files.h"
 #include "tests/driver/copy_fixture.h"
-#include "tests/support/property_list_xml.h"
 #include "tests/support/system_faults.h"
 
 namespace {

@@ -10,11 +10,11 @@
 
 #include "content/book_scan.h"
 #include "content/text_file.h"
+#include "fixtures/scoped_zone.h"
 #include "platform/limits.h"
-#include "tests/content/captured_log.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
-#include "tests/support/scoped_zone.h"
+#include "tests/support/collected_log.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ std::string Titled(const std::string &title, const std::string &manifest = "") {
 
 struct BookTree : MediaTree {
     DriverPath *books = AddRoot("Books", node_category::kBook, node_subcategory::kBook);
-    CapturedLog log;
+    CollectedLog log;
 
     // The same book in both forms, "NAME.epub" and "folder/NAME.epub".
     void Add(const std::string &name, const Files &files) const {
@@ -99,7 +99,7 @@ TEST(AddLocalBook, FindsTheCoverOfBothForms) {
         EXPECT_EQ(BookTree::CoverOf(tree.Added("Books/b.epub")), of_file);
         const std::string folder = of_folder == "none" ? "" : tree.Location("folder/b.epub") + "\\";
         EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/b.epub")), folder + of_folder);
-        EXPECT_EQ(tree.log.lines().size(), log_lines) << testing::PrintToString(tree.log.lines());
+        EXPECT_EQ(tree.log.Lines().size(), log_lines) << testing::PrintToString(tree.log.Lines());
     }
 }
 
@@ -155,7 +155,7 @@ TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
         return "[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" +
                tree.Location(file + ".epub") + "\"";
     };
-    EXPECT_THAT(tree.log.lines(),
+    EXPECT_THAT(tree.log.Lines(),
                 testing::UnorderedElementsAre(testing::HasSubstr("Failed to parse xml file: \""),
                                               line(limits::kXmlDepth, "Books\\deep container"),
                                               line(limits::kXmlDepth, "Books\\deep package"),

@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "tests/support/scoped_zone.h"
+#include "fixtures/scoped_zone.h"
 
 namespace {
 

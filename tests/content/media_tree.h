@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "fixtures/preference_file.h"
+#include "fixtures/scoped_environment.h"
+#include "fixtures/temp_folder.h"
+#include "fixtures/zip_builder.h"
 #include "tests/driver/tree_fixture.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
-#include "tests/support/zip_builder.h"
 
 // An archive with one deflated entry for each file, in the order of their names.
 inline std::string Archive(const std::map<std::string, std::string> &files) {

@@ -9,7 +9,7 @@
 #include <tuple>
 
 #include "content/file_kinds.h"
-#include "tests/support/scoped_environment.h"
+#include "fixtures/scoped_environment.h"
 
 namespace {
 

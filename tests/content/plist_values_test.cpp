@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "content/location_url.h"
+#include "fixtures/property_list_xml.h"
+#include "fixtures/scoped_zone.h"
+#include "fixtures/temp_folder.h"
 #include "tests/support/collected_log.h"
-#include "tests/support/property_list_xml.h"
-#include "tests/support/scoped_zone.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

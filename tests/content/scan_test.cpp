@@ -10,16 +10,16 @@
 #include "content/application_scan.h"
 #include "content/book_scan.h"
 #include "driver/scanned_entries.h"
-#include "tests/content/captured_log.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
+#include "tests/support/collected_log.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 struct ScanTree : MediaTree {
-    CapturedLog log;
+    CollectedLog log;
     std::string Scan() {
         EXPECT_EQ(ScanBooks(&driver), 0);
         EXPECT_EQ(ScanApps(&driver), 0);

@@ -14,11 +14,11 @@
 #include "content/zip_archive.h"
 #include "content/zip_entry.h"
 #include "content/zip_entry_path.h"
+#include "fixtures/temp_folder.h"
+#include "fixtures/zip_builder.h"
 #include "platform/limits.h"
-#include "tests/content/captured_log.h"
-#include "tests/platform/windows/folder_contents.h"
-#include "tests/support/temp_folder.h"
-#include "tests/support/zip_builder.h"
+#include "tests/support/collected_log.h"
+#include "tests/support/folder_contents.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ class ZipExtractTest : public ::testing::Test {
     }
 
     TempFolder folder_;
-    CapturedLog log_;
+    CollectedLog log_;
 };
 
 TEST_F(ZipExtractTest, EntriesAreFoundByPatternOrExactName) {
@@ -103,7 +103,7 @@ TEST_F(ZipExtractTest, WhatCanBeReadIsUnpackedUpToTheFirstFailure) {
         EXPECT_EQ(Unpacked(), files);
         EXPECT_EQ(Extracted(WriteZip(entries), entries[0].name), first_alone);
     }
-    EXPECT_THAT(log_.lines(), testing::ElementsAre("decompress file \"" + WriteZip({}) + "\" failed\n"));
+    EXPECT_THAT(log_.Lines(), testing::ElementsAre("decompress file \"" + WriteZip({}) + "\" failed\n"));
     std::string noise(20000, ' ');
     std::generate(noise.begin(), noise.end(), std::mt19937(1));
     ZipBuilderEntry cut = DeflatedEntry("cut", noise);

@@ -10,10 +10,10 @@
 #include <string>
 
 #include "content/zip_extract.h"
+#include "fixtures/temp_folder.h"
 #include "platform/limits.h"
-#include "tests/content/captured_log.h"
-#include "tests/platform/windows/folder_contents.h"
-#include "tests/support/temp_folder.h"
+#include "tests/support/collected_log.h"
+#include "tests/support/folder_contents.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ class ZipWriteTest : public ::testing::Test {
     std::string tree_ = (folder_.path() / "tree").string();
     // As long as the system takes it: a temporary name beside it must not be longer.
     std::string zip_ = (folder_.path() / std::string(255, 'z')).string();
-    CapturedLog log_;
+    CollectedLog log_;
 };
 
 TEST_F(ZipWriteTest, EveryByteComesBackAndNothingOfAnOldArchive) {
@@ -53,7 +53,7 @@ TEST_F(ZipWriteTest, EveryByteComesBackAndNothingOfAnOldArchive) {
     // Signature 0, version needed 4, which is that of zip64, flags 6, method 8, time 10 and date 12.
     EXPECT_EQ(ReadWholeFile(zip_).substr(0, 14), std::string("PK\3\4\x2D\0\0\0\x08\0\0\0\0\0", 14));
     EXPECT_LT(fs::file_size(zip_), 400000U);
-    EXPECT_THAT(log_.lines(), testing::IsEmpty());
+    EXPECT_THAT(log_.Lines(), testing::IsEmpty());
     if (std::system("python3 -m zipfile -h >/dev/null") != 0) GTEST_SKIP() << "no Python here";
     const std::string out = (folder_.path() / "theirs").string();
     EXPECT_EQ(std::system(("python3 -m zipfile -e " + zip_ + " " + out).c_str()), 0);
@@ -71,7 +71,7 @@ TEST_F(ZipWriteTest, FailureLeavesWhatWasThereAndNothingNew) {
     EXPECT_EQ(ZipFolder(tree_, zip_), -7);
     EXPECT_EQ(FilesMade(), 1);
     const std::string failed = "compress to \"" + zip_ + "\" failed\n";
-    EXPECT_THAT(log_.lines(), ElementsAre(failed, "create zip file \"" + nowhere + "\" failed\n", failed));
+    EXPECT_THAT(log_.Lines(), ElementsAre(failed, "create zip file \"" + nowhere + "\" failed\n", failed));
 }
 
 TEST_F(ZipWriteTest, LinksThatFormACycleAreWalkedOnceAndOthersUpToTheEntryLimit) {

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "tests/content/captured_log.h"
 #include "tests/content/media_tree.h"
-#include "tests/platform/windows/folder_contents.h"
+#include "tests/support/collected_log.h"
+#include "tests/support/folder_contents.h"
 
 // A driver with a folder to copy into, and one source.
 struct CopyFixture : MediaTree {
     static constexpr const char *kFolder = "media/Automatically Add to iTunes";
 
-    CapturedLog log;
+    CollectedLog log;
     CopySourceInfo source = {};
     std::vector<int32_t> answers = {0};  // of the callback, call by call; the last one from then on
     std::string reports;                 // "state:bytes" for each call, and "!error" where there is one

@@ -76,7 +76,7 @@ TEST(Copy, IsToldAndLeavesNothingHalfWritten) {
                 has_callback ? told.find(" 1:10") != told.npos : told.find('!') == told.npos;
             if (is_there) expected["ten.mp3"] = kTen;
             EXPECT_EQ(copy.Files(), expected);
-            EXPECT_TRUE(copy.log.lines().empty());
+            EXPECT_TRUE(copy.log.Lines().empty());
         }
     }
 }
@@ -102,7 +102,7 @@ TEST(Copy, NeedsASourceAndANameThatWindowsCouldHold) {
         copy.answers = {4};
         EXPECT_EQ(copy.Copy(), 4) << location;
         EXPECT_EQ(copy.reports, "0:0 3:0!3") << location;
-        EXPECT_TRUE(copy.log.lines().at(0).ends_with(std::string("\\") + name + "\" failed")) << location;
+        EXPECT_TRUE(copy.log.Lines().at(0).ends_with(std::string("\\") + name + "\" failed")) << location;
         EXPECT_EQ(copy.Files(), Files());
     }
 }

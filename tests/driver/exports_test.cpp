@@ -9,12 +9,12 @@
 #include <thread>
 
 #include "driver/itunes_driver.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/media_files.h"
+#include "fixtures/sample_library.h"
+#include "fixtures/temp_folder.h"
 #include "tests/driver/open_library.h"
-#include "tests/support/artwork_file.h"
 #include "tests/support/collected_log.h"
-#include "tests/support/media_files.h"
-#include "tests/support/sample_library.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

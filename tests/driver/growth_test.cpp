@@ -7,13 +7,13 @@
 #include "bench/measure.h"
 #include "driver/library_driver.h"
 #include "driver/rescan.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/file_writing.h"
+#include "fixtures/generated_library.h"
+#include "fixtures/library_place.h"
+#include "fixtures/media_files.h"
+#include "fixtures/temp_folder.h"
 #include "platform/velmar_path/velmar_path.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/file_writing.h"
-#include "tests/support/generated_library.h"
-#include "tests/support/library_place.h"
-#include "tests/support/media_files.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

@@ -8,15 +8,15 @@
 
 #include "content/book_catalogue.h"
 #include "driver/rescan.h"
+#include "fixtures/archive_files.h"
+#include "fixtures/artwork_file.h"
+#include "fixtures/file_writing.h"
+#include "fixtures/library_place.h"
+#include "fixtures/library_xml.h"
+#include "fixtures/media_files.h"
 #include "platform/windows/windows_api.h"
 #include "tests/content/media_tree.h"
 #include "tests/driver/open_library.h"
-#include "tests/support/archive_files.h"
-#include "tests/support/artwork_file.h"
-#include "tests/support/file_writing.h"
-#include "tests/support/library_place.h"
-#include "tests/support/library_xml.h"
-#include "tests/support/media_files.h"
 #include "tests/support/system_faults.h"
 
 namespace {

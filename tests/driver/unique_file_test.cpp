@@ -5,8 +5,8 @@
 #include <random>
 
 #include "content/path_text.h"
-#include "tests/support/preference_file.h"
-#include "tests/support/temp_folder.h"
+#include "fixtures/preference_file.h"
+#include "fixtures/temp_folder.h"
 
 namespace {
 

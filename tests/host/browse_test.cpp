@@ -1,8 +1,8 @@
 // What tree, ls, stat, cat and thumb write.
 #include <nlohmann/json.hpp>
 
+#include "fixtures/artwork_file.h"
 #include "tests/host/host_test.h"
-#include "tests/support/artwork_file.h"
 
 namespace {
 

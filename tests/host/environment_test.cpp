@@ -1,6 +1,6 @@
 // What --library, --media and --drive make of the environment of the driver.
+#include "fixtures/itl_file.h"
 #include "tests/host/host_test.h"
-#include "tests/support/itl_file.h"
 
 namespace {
 

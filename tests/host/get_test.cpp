@@ -1,7 +1,7 @@
 #include <csignal>
 
+#include "fixtures/artwork_file.h"
 #include "tests/host/host_test.h"
-#include "tests/support/artwork_file.h"
 
 namespace {
 

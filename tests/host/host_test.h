@@ -11,8 +11,8 @@
 #include <tuple>
 #include <vector>
 
-#include "tests/support/sample_library.h"
-#include "tests/support/temp_folder.h"
+#include "fixtures/sample_library.h"
+#include "fixtures/temp_folder.h"
 
 struct HostResult {
     int exit_code;  // 128 and the signal's number for a process that a signal ended

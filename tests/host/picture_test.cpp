@@ -6,8 +6,8 @@
 
 #include <array>
 
+#include "fixtures/temp_folder.h"
 #include "host/host_error.h"
-#include "tests/support/temp_folder.h"
 
 namespace velmarhost {
 namespace {

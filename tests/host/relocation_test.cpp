@@ -6,10 +6,10 @@
 
 #include <sstream>
 
+#include "fixtures/scoped_environment.h"
 #include "host/file_url.h"
 #include "host/modified_time.h"
 #include "host/preference_file.h"
-#include "tests/support/scoped_environment.h"
 
 namespace velmarhost {
 namespace {

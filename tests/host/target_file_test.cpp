@@ -5,7 +5,7 @@
 #include <chrono>
 #include <vector>
 
-#include "tests/support/temp_folder.h"
+#include "fixtures/temp_folder.h"
 
 namespace velmarhost {
 namespace {

@@ -6,9 +6,9 @@
 #include <set>
 #include <thread>
 
-#include "tests/platform/windows/folder_contents.h"
+#include "fixtures/scoped_environment.h"
+#include "tests/support/folder_contents.h"
 #include "tests/support/collected_log.h"
-#include "tests/support/scoped_environment.h"
 
 namespace {
 

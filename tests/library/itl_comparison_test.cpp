@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "fixtures/generated_library.h"
 #include "library/track_import.h"
 #include "library/track_keys.h"
 #include "tests/library/loaded_library.h"
-#include "tests/support/generated_library.h"
 
 namespace {
 

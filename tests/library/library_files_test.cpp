@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "content/plist_values.h"
+#include "fixtures/preference_file.h"
 #include "tests/library/loaded_library.h"
-#include "tests/support/preference_file.h"
 
 namespace {
 

@@ -8,12 +8,12 @@
 
 #include "driver/attributes.h"
 #include "driver/library_driver.h"
+#include "fixtures/file_writing.h"
+#include "fixtures/library_place.h"
+#include "fixtures/library_xml.h"
+#include "fixtures/temp_folder.h"
 #include "tests/driver/open_library.h"
 #include "tests/support/collected_log.h"
-#include "tests/support/file_writing.h"
-#include "tests/support/library_place.h"
-#include "tests/support/library_xml.h"
-#include "tests/support/temp_folder.h"
 
 // The XML file around a root value.
 inline std::string ListFile(const std::string &root) {

@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "fixtures/itl_file.h"
 #include "library/track_import.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
 #include "tests/library/loaded_library.h"
-#include "tests/support/itl_file.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "fixtures/temp_folder.h"
 #include "platform/core_foundation/scalar_text.h"
 #include "platform/core_foundation/tree_walk.h"
-#include "tests/support/temp_folder.h"
 
 using core_foundation::TreeWalk;
 using core_foundation::Value;

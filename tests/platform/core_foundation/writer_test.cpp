@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
+#include "fixtures/temp_folder.h"
 #include "tests/platform/core_foundation/list_text.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

@@ -8,15 +8,15 @@
 #include <optional>
 #include <sstream>
 
+#include "fixtures/byte_text.h"
+#include "fixtures/itl_file.h"
+#include "fixtures/temp_folder.h"
 #include "platform/itl_parser/inflate.h"
 #include "platform/itl_parser/library_content.h"
 #include "platform/itl_parser/library_reader.h"
 #include "platform/itl_parser/texts.h"
 #include "platform/limits.h"
 #include "tests/platform/damage.h"
-#include "tests/support/byte_text.h"
-#include "tests/support/itl_file.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <thread>
 
+#include "fixtures/scoped_environment.h"
 #include "platform/windows/windows_api.h"
 #include "tests/platform/windows/folder_test.h"
-#include "tests/support/scoped_environment.h"
 
 namespace {
 

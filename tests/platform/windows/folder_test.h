@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/windows/text.h"
-#include "tests/platform/windows/folder_contents.h"
+#include "tests/support/folder_contents.h"
 
 using Contents = std::map<std::string, std::string>;
 

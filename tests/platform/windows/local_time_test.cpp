@@ -10,8 +10,8 @@
 #include <tuple>
 #include <vector>
 
+#include "fixtures/scoped_zone.h"
 #include "platform/windows/windows_api.h"
-#include "tests/support/scoped_zone.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "platform/windows/native_path.h"
 
+#include "fixtures/scoped_environment.h"
 #include "tests/platform/windows/folder_test.h"
-#include "tests/support/scoped_environment.h"
 
 namespace {
 

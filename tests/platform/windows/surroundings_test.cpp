@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <string>
 
+#include "fixtures/scoped_environment.h"
+#include "fixtures/temp_folder.h"
 #include "platform/windows/text.h"
 #include "platform/windows/windows_api.h"
-#include "tests/support/scoped_environment.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "fixtures/scoped_environment.h"
 #include "platform/windows/ansi_code_page.h"
 #include "platform/windows/windows_api.h"
-#include "tests/support/scoped_environment.h"
 
 namespace {
 
