@@ -73,7 +73,7 @@ TEST_F(LocalFile, FilesGoToTheCategoryOfTheirExtensionOrNowhere) {
     EXPECT_EQ(FindAttribute(ChildAt(movies, 0), "name"), "a");
     EXPECT_EQ(Import(Location("gone.mp3")), -1);
     EXPECT_THAT(log.Lines(), testing::IsEmpty());
-    // A picture has a kind but no category, a book has none in this
+    // A picture has a kind but no category, a book has none in this tree.
     for (const char *name : {"a.jpg", "mp3", "a.epub"})
         EXPECT_EQ(Import(Write(name, "x")), -1);
     EXPECT_EQ(log.Last(), "File \"" + Location("a.epub") + "\" format is not support or visible by iTunes");

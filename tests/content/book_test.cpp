@@ -200,13 +200,13 @@ TEST_F(Books, AreReadAsTheByteOrderMarkTells) {
         return result == 0 ? text : std::to_string(result);
     };
     const std::pair<std::string, std::string> rows[] = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
-                        {"\xFF\xFE\0\xD8"s, "-3"},
-                        {"\xEF\xBB\xBF\xC3", "\xC3"},
-                        {"\xEF\xBB", "-2"},
-                        {"\xEF\xBBx", "-2"},
-                        {"\xEF\xBB\xBF", "-3"},
-                        {"", "-3"},
-                        {"\xE9", "\xE9"}};
+                                                        {"\xFF\xFE\0\xD8"s, "-3"},
+                                                        {"\xEF\xBB\xBF\xC3", "\xC3"},
+                                                        {"\xEF\xBB", "-2"},
+                                                        {"\xEF\xBBx", "-2"},
+                                                        {"\xEF\xBB\xBF", "-3"},
+                                                        {"", "-3"},
+                                                        {"\xE9", "\xE9"}};
     for (const auto &[bytes, text] : rows)
         EXPECT_EQ(read(bytes), text);
     EXPECT_EQ(read("\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s), "\xC3\xA9\xF0\x9F\x98\x80");

@@ -38,7 +38,9 @@ size_t Compare(const std::string &xml_bytes, const std::string &itl_bytes, bool 
         if (other == nullptr) return ADD_FAILURE() << id << " is missing", 0;
         for (const size_t row : kParserTrackRows) {
             const std::string field = TrackKeyTable[row].attribute;
-            const auto text = [&](auto *node) { return std::string(FindAttribute(node, field.c_str()).value_or("")); };
+            const auto text = [&](auto *node) {
+                return std::string(FindAttribute(node, field.c_str()).value_or(""));
+            };
             EXPECT_PRED4(IsSame, field, text(track), text(other), is_ours) << id;
         }
     }
@@ -48,7 +50,9 @@ size_t Compare(const std::string &xml_bytes, const std::string &itl_bytes, bool 
             // Roots that scans of folders make have no id.
             if (!FindAttribute(xml.At(root + name), "persistent_id")) continue;
             const auto own = xml.NamesUnder(root + name), other = itl.NamesUnder(root + name);
-            const bool is_same = is_ours ? own == other : std::is_permutation(own.begin(), own.end(), other.begin(), other.end());
+            const bool is_same =
+                is_ours ? own == other
+                        : std::is_permutation(own.begin(), own.end(), other.begin(), other.end());
             if (itl.At(root + name) == nullptr || !is_same) different.push_back(root + name);
         }
     }
