@@ -103,7 +103,6 @@ TEST_F(Exports, TheTreeIsWalkedByExactTexts) {
     EXPECT_STREQ(first.Info().open_path, "playlist/Rain & Sun/101.mp3");
     EXPECT_EQ(first.Info().reserved4 | first.Info().reserved7, 0u);
     EXPECT_EQ(first.Attribute("name"), "Rain & Thunder");
-    EXPECT_EQ(first.Attribute("is_movie"), std::nullopt);
 }
 
 TEST_F(Exports, AStreamGivesTheFileOfItsTrackAndOutlivesItsDriver) {

@@ -38,10 +38,9 @@ size_t Compare(const std::string &xml_bytes, const std::string &itl_bytes, bool 
         if (other == nullptr) return ADD_FAILURE() << id << " is missing", 0;
         for (const size_t row : kParserTrackRows) {
             const std::string field = TrackKeyTable[row].attribute;
-            const auto text = [&](auto *node) {
-                return std::string(FindAttribute(node, field.c_str()).value_or(""));
-            };
-            EXPECT_PRED4(IsSame, field, text(track), text(other), is_ours) << id;
+            const std::string own(FindAttribute(track, field.c_str()).value_or(""));
+            const std::string others(FindAttribute(other, field.c_str()).value_or(""));
+            EXPECT_PRED4(IsSame, field, own, others, is_ours) << id;
         }
     }
     std::vector<std::string> different;
@@ -49,11 +48,10 @@ size_t Compare(const std::string &xml_bytes, const std::string &itl_bytes, bool 
         for (const std::string &name : xml.NamesUnder(root)) {
             // Roots that scans of folders make have no id.
             if (!FindAttribute(xml.At(root + name), "persistent_id")) continue;
-            const auto own = xml.NamesUnder(root + name), other = itl.NamesUnder(root + name);
-            const bool is_same =
-                is_ours ? own == other
-                        : std::is_permutation(own.begin(), own.end(), other.begin(), other.end());
-            if (itl.At(root + name) == nullptr || !is_same) different.push_back(root + name);
+            auto own = xml.NamesUnder(root + name), other = itl.NamesUnder(root + name);
+            if (!is_ours) std::sort(own.begin(), own.end());
+            if (!is_ours) std::sort(other.begin(), other.end());
+            if (itl.At(root + name) == nullptr || own != other) different.push_back(root + name);
         }
     }
     // iTunes hides the list of all tracks in the .itl file by its name.
