@@ -33,27 +33,27 @@ std::string Header(std::uint32_t length = 284) {
     return BigEndian(length) + "itch" + Zeros(276);
 }
 
-TEST(ArtworkFile, PicturesAreNamedByTheirOrderAndReadInPlace) {
-    ThumbTree tree;
-    const std::string location = tree.Write(
+struct ArtworkFile : ThumbTree, testing::Test {};
+
+TEST_F(ArtworkFile, PicturesAreNamedByTheirOrderAndReadInPlace) {
+    const std::string location = Write(
         "a.itc", Header() + Box("first, and largest", "ARGb") + Box("2nd", "bGRA") + Box("third", kJpegTag) +
                      Box("4", std::string("\0\0\0\x0D", 4)) + Box("4th", "PNGf"));
-    DriverPath *thumb = tree.AddThumb("a", location);
-    ASSERT_EQ(LoadTrackThumbnails(&tree.driver, thumb), 0);
-    EXPECT_EQ(LoadTrackThumbnails(&tree.driver, thumb), 1);
-    EXPECT_THAT(ThumbTree::Names(thumb), testing::ElementsAre("small", "middle", "large", "(none)"));
+    DriverPath *thumb = AddThumb("a", location);
+    ASSERT_EQ(LoadTrackThumbnails(&driver, thumb), 0);
+    EXPECT_EQ(LoadTrackThumbnails(&driver, thumb), 1);
+    EXPECT_THAT(Names(thumb), testing::ElementsAre("small", "middle", "large", "(none)"));
     const char *types[] = {"bgra", "argb", "jpg", "png"};
     for (int32_t i = 0; i < 4; ++i)
-        EXPECT_EQ(ThumbTree::Text(ChildAt(thumb, i), "thumb_type"), types[i]);
+        EXPECT_EQ(FindAttribute(ChildAt(thumb, i), "thumb_type"), types[i]);
     EXPECT_EQ(TreeText(ChildAt(thumb, 0), ""), " 4 4 44 thumb_type=bgra location=" + location +
                                                    " st_size=18 width=11 height=12 display_width=13"
                                                    " display_height=14\n");
-    EXPECT_EQ(tree.StreamOf("library/music/a/thumb/small"), "first, and largest");
-    EXPECT_EQ(tree.StreamOf("library/music/a/thumb/large"), "third");
+    EXPECT_EQ(StreamOf("library/music/a/thumb/small"), "first, and largest");
+    EXPECT_EQ(StreamOf("library/music/a/thumb/large"), "third");
 }
 
-TEST(ArtworkFile, WhatIsNoCacheFileMakesNoThumbnails) {
-    ThumbTree tree;
+TEST_F(ArtworkFile, WhatIsNoCacheFileMakesNoThumbnails) {
     std::string steps = Header();
     for (uint64_t i = 0; i <= limits::kArtworkBoxes.value; ++i)
         steps += BigEndian(84) + "item" + BigEndian(84) + Zeros(36) + "PNGf" + Zeros(28) + "data";
@@ -66,15 +66,15 @@ TEST(ArtworkFile, WhatIsNoCacheFileMakesNoThumbnails) {
         // One step forward at a time.
         {steps.substr(0, steps.size() - 84), 0, limits::kArtworkBoxes.value},
         {steps, 0, limits::kArtworkBoxes.value}};
-    const auto load = [&](DriverPath *thumb) { return LoadTrackThumbnails(&tree.driver, thumb); };
+    const auto load = [&](DriverPath *thumb) { return LoadTrackThumbnails(&driver, thumb); };
     for (const auto &[bytes, result, pictures] : rows) {
-        DriverPath *thumb = tree.AddThumb("x", tree.Write("x.itc", bytes));
+        DriverPath *thumb = AddThumb("x", Write("x.itc", bytes));
         EXPECT_EQ(load(thumb), result) << bytes.size();
-        EXPECT_EQ(ThumbTree::Names(thumb).size(), pictures) << bytes.size();
+        EXPECT_EQ(Names(thumb).size(), pictures) << bytes.size();
     }
-    EXPECT_EQ(load(tree.AddThumb("gone", tree.Location("gone.itc"))), -1);
-    EXPECT_EQ(load(tree.AddThumb("folder", tree.Location(""))), -1);
-    EXPECT_EQ(load(tree.music), -1);
+    EXPECT_EQ(load(AddThumb("gone", Location("gone.itc"))), -1);
+    EXPECT_EQ(load(AddThumb("folder", Location(""))), -1);
+    EXPECT_EQ(load(music), -1);
 }
 
 // The walk as it is told, with texts cut out of the whole file.
@@ -103,8 +103,7 @@ std::vector<std::int64_t> OffsetsByTheLetter(const std::string &file) {
     return offsets;
 }
 
-TEST(ArtworkFile, AgreesWithTheWalkByTheLetterOnAnyRowOfBoxes) {
-    TempFolder folder;
+TEST_F(ArtworkFile, AgreesWithTheWalkByTheLetterOnAnyRowOfBoxes) {
     std::mt19937 engine(20240607);
     const auto pick = [&](const auto &values) { return values[engine() % values.size()]; };
     // Mostly as it should be, so that the walk comes far.

@@ -52,7 +52,7 @@ TEST(ArtworkScan, LinksEveryTrackWithTheIdToEveryFileOfIt) {
         const std::string thumbs = TreeText(track, "");
         EXPECT_THAT(thumbs, testing::HasSubstr("/thumb 1 4 43 location=" + files[0] + "\n"));
         EXPECT_THAT(thumbs, testing::HasSubstr("/thumb 1 4 43 location=" + files[1] + "\n"));
-        EXPECT_EQ(ThumbTree::Text(track, "media_has_thumb"), "true");
+        EXPECT_EQ(FindAttribute(track, "media_has_thumb"), "true");
     }
     for (int32_t i = 2; i < ChildCount(tree.music); ++i) {
         EXPECT_EQ(ChildCount(ChildAt(tree.music, i)), 0) << i;

@@ -24,26 +24,27 @@ std::string TrueAudioFile() {
            LittleEndian(88200) + Zeros(200);
 }
 
-TEST(Ringtones, AreKnownByTheirFileNamesInBothFolders) {
-    ThumbTree tree;
+struct Rescan : ThumbTree, testing::Test {};
+
+TEST_F(Rescan, TonesAreKnownByTheirFileNamesInBothFolders) {
     const std::string tone = M4aFile(3, MediaTags());
     for (const char *name : {"Ringtones/my.tone.m4r", "Ringtones/other.m4a", "Tones/my.tone.m4r",
                              "Ringtones/.m4r", "Ringtones/folder.m4r/inside.m4r"})
-        tree.Write(name, tone);
-    EXPECT_EQ(ScanToneFolder(&tree.driver, "Ringtones"), 0);
-    const DriverPath *root = tree.At("library/ringtone");
+        Write(name, tone);
+    EXPECT_EQ(ScanToneFolder(&driver, "Ringtones"), 0);
+    const DriverPath *root = At("library/ringtone");
     EXPECT_EQ(TreeText(ChildAt(root, 0), ChildNameAt(root, 0)),
               "my.tone.m4r 4 2 21 st_size=" + std::to_string(tone.size()) +
-                  " duration=3000 location=" + tree.Location("Ringtones\\my.tone.m4r") + " name=my.tone\n");
+                  " duration=3000 location=" + Location("Ringtones\\my.tone.m4r") + " name=my.tone\n");
     EXPECT_EQ(ChildAt(root, 0)->from_folder_scan, 1);
-    tree.Write("Tones/B.M4R", "garbage");
-    EXPECT_EQ(ScanToneFolder(&tree.driver, "Tones"), 0);
-    EXPECT_THAT(ThumbTree::Names(root), testing::UnorderedElementsAre("my.tone.m4r", "my.tone.m4r", "B.M4R"));
-    EXPECT_EQ(ThumbTree::Text(tree.At("library/ringtone/B.M4R"), "duration"), "(none)");
+    Write("Tones/B.M4R", "garbage");
+    EXPECT_EQ(ScanToneFolder(&driver, "Tones"), 0);
+    EXPECT_THAT(Names(root), testing::UnorderedElementsAre("my.tone.m4r", "my.tone.m4r", "B.M4R"));
+    EXPECT_EQ(FindAttribute(At("library/ringtone/B.M4R"), "duration"), std::nullopt);
 }
 
 // TagLib calls itself for each atom inside an atom, and looks at each byte for the sync of a frame.
-TEST(Ringtones, AnyFormatHasALengthAndHostileFilesCostNeitherTheStackNorMuchTime) {
+TEST_F(Rescan, AnyFormatHasALengthAndHostileFilesCostNeitherTheStackNorMuchTime) {
     constexpr std::uint32_t kDepth = 200000;
     std::string atoms = BigEndian(16) + "ftypM4A " + Zeros(4);
     std::string chapters;
@@ -63,54 +64,50 @@ TEST(Ringtones, AnyFormatHasALengthAndHostileFilesCostNeitherTheStackNorMuchTime
         {M4aFile(3, MediaTags()).substr(0, 100), {}},
         {atoms, {}},
         {syncs, {}}};
-    TempFolder folder;
     for (const auto &[bytes, length] : rows)
         EXPECT_EQ(SoundLength(folder.Write("a.m4r", bytes).string()), length) << bytes.substr(0, 10);
     EXPECT_EQ(SoundLength((folder.path() / "gone.m4r").string()), std::nullopt);
 }
 
-TEST(RescanLocalFolders, ScansEachFolderAndLeavesTheSameTreeTheSecondTime) {
-    ThumbTree tree;
-    EnsureCategoryPath(&tree.driver, "movie", node_category::kVideo, node_subcategory::kMovie);
+TEST_F(Rescan, ScansEachFolderAndLeavesTheSameTreeTheSecondTime) {
+    EnsureCategoryPath(&driver, "movie", node_category::kVideo, node_subcategory::kMovie);
     for (const char *name : {"Tones/a.m4r", "Movies/sub/film.m4v", "Automatically Add to iTunes/waits.mp3",
                              "Automatically Add to iTunes/Not Added/refused.mp3", "beside.mp3"})
-        tree.Write(name, SilentSound(1));
-    std::filesystem::create_directory_symlink("..", tree.media / "Movies/sub/up");
+        Write(name, SilentSound(1));
+    std::filesystem::create_directory_symlink("..", media / "Movies/sub/up");
     const auto rescan = [&] {
-        EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
-        return std::vector{ThumbTree::Names(tree.At("library/ringtone")),
-                           ThumbTree::Names(tree.At("library/movie")),
-                           ThumbTree::Names(tree.At("library/music"))};
+        EXPECT_EQ(RescanLocalFolders(&driver), 0);
+        return std::vector{Names(At("library/ringtone")), Names(At("library/movie")),
+                           Names(At("library/music"))};
     };
     for (int round = 0; round < 2; ++round)
         EXPECT_THAT(rescan(), ElementsAre(ElementsAre("a.m4r"), ElementsAre("5000000.m4v"),
                                           ElementsAre("5000001.mp3")));
-    std::filesystem::remove_all(tree.media / "Automatically Add to iTunes");
+    std::filesystem::remove_all(media / "Automatically Add to iTunes");
     EXPECT_THAT(rescan(), ElementsAre(ElementsAre("a.m4r"), ElementsAre("5000000.m4v"), IsEmpty()));
-    tree.driver.add_folder.reset();
+    driver.add_folder.reset();
     EXPECT_THAT(rescan(), testing::Each(IsEmpty()));
-    EXPECT_EQ(WalkMediaFolder(&tree.driver, std::nullopt, true), -1);
+    EXPECT_EQ(WalkMediaFolder(&driver, std::nullopt, true), -1);
 }
 
 // A program of the system serves as a file that has not changed for a while.
-TEST(RescanLocalFolders, WhatHasNotChangedIsNotReadAgain) {
-    ThumbTree tree;
-    EnsureCategoryPath(&tree.driver, "Books", node_category::kBook, node_subcategory::kBook);
+TEST_F(Rescan, WhatHasNotChangedIsNotReadAgain) {
+    EnsureCategoryPath(&driver, "Books", node_category::kBook, node_subcategory::kBook);
     for (const char *name : {"Automatically Add to iTunes/a.mp3", "Tones/b.m4r", "Books/c.pdf"}) {
-        std::filesystem::create_directories((tree.media / name).parent_path());
-        std::filesystem::create_symlink("/bin/sh", tree.media / name);
+        std::filesystem::create_directories((media / name).parent_path());
+        std::filesystem::create_symlink("/bin/sh", media / name);
     }
     const auto entries = [&](const std::string &number) {
-        EXPECT_EQ(RescanLocalFolders(&tree.driver), 0);
-        return std::vector{tree.At("library/music/" + number + ".mp3"), tree.At("library/ringtone/b.m4r"),
-                           tree.At("library/Books/c.pdf")};
+        EXPECT_EQ(RescanLocalFolders(&driver), 0);
+        return std::vector{At("library/music/" + number + ".mp3"), At("library/ringtone/b.m4r"),
+                           At("library/Books/c.pdf")};
     };
     const auto first = entries("5000000");
     EXPECT_THAT(first, testing::Each(testing::NotNull()));
-    tree.Write("Movies/new.mp3", "comes first and takes the first number");
+    Write("Movies/new.mp3", "comes first and takes the first number");
     EXPECT_EQ(entries("5000001"), first);
-    EXPECT_EQ(ThumbTree::Text(first[0], "id"), "5000001");
-    std::filesystem::remove(tree.media / "Tones/b.m4r");
+    EXPECT_EQ(FindAttribute(first[0], "id"), "5000001");
+    std::filesystem::remove(media / "Tones/b.m4r");
     EXPECT_EQ(entries("5000001"), (std::vector<DriverPath *>{first[0], nullptr, first[2]}));
 }
 

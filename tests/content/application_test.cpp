@@ -34,9 +34,9 @@ const std::string kInfoEntry = "Payload/A.app/Info.plist";
 const std::string kIconEntry = "Payload/A.app/Icon.png";
 const std::string kMetadataEntry = "iTunesMetadata.plist";
 
-struct AppTree : MediaTree {
+struct LocalApp : MediaTree, testing::Test {
     // English, so that no name is taken from a language file.
-    ScopedEnvironment language{"LANGUAGE", "en"};
+    ScopedEnvironment english{"LANGUAGE", "en"};
     DriverPath *apps = AddRoot("app", node_category::kApplication, node_subcategory::kApplication);
 
     DriverPath *Add(const Texts &files) {
@@ -55,11 +55,10 @@ struct AppTree : MediaTree {
     }
 };
 
-TEST(AddLocalApp, TellsWhatTheArchiveTells) {
-    AppTree tree;
+TEST_F(LocalApp, TellsWhatTheArchiveTells) {
     const Texts files = {{kInfoEntry, kBundle}, {kMetadataEntry, kMetadata}, {"iTunesArtwork", "picture"}};
-    DriverPath *app = tree.Add(files);
-    const std::string location = "location=" + tree.Location("a.ipa");
+    DriverPath *app = Add(files);
+    const std::string location = "location=" + Location("a.ipa");
     EXPECT_EQ(TreeText(app, "app"),
               "app 2 6 60 st_size=" + std::to_string(Archive(files).size()) + " " + location +
                   " bundleId=com.m bundleVersion=1.2 media_has_thumb=true name=Metadata genre=Games\n" +
@@ -67,11 +66,11 @@ TEST(AddLocalApp, TellsWhatTheArchiveTells) {
                   " icon_image=iTunesArtwork is_ipa=true is_artwork=true st_size=7\n");
     EXPECT_EQ(app->from_folder_scan, 1);
     // A document that says nothing leaves out what it has no value for.
-    EXPECT_THAT(AttributeLines(tree.Add({{kInfoEntry, "a = b;"}})),
+    EXPECT_THAT(AttributeLines(Add({{kInfoEntry, "a = b;"}})),
                 ElementsAre(testing::_, location, "media_has_thumb=false", "name=a.ipa"));
 }
 
-TEST(AddLocalApp, TakesEachFieldFromTheFirstThatHasIt) {
+TEST_F(LocalApp, TakesEachFieldFromTheFirstThatHasIt) {
     const std::string far(limits::kEntryPathBytes.value + 1 - kIconEntry.size() + 8, 'i');
     const std::pair<Texts, std::string> rows[] = {
         {{{kInfoEntry, kBundle}, {"payload/a.APP/icon.PNG", "12345"}}, "Bundle|" + kIconEntry + "|true|5"},
@@ -84,11 +83,10 @@ TEST(AddLocalApp, TakesEachFieldFromTheFirstThatHasIt) {
           {"Payload/A.app/" + far, "1"}},
          "a.ipa"}};
     for (const auto &[files, shown] : rows)
-        EXPECT_EQ(AppTree().NameAndIcon(files), shown);
+        EXPECT_EQ(NameAndIcon(files), shown);
 }
 
-TEST(AddLocalApp, TakesTheNameInTheFirstLanguage) {
-    AppTree tree;
+TEST_F(LocalApp, TakesTheNameInTheFirstLanguage) {
     Texts files = {{kInfoEntry, kBundle}};
     for (const char *language : {"zh-Hant", "zh-Hans", "en", "de", "de_AT", "x*"})
         files["Payload/A.app/" + std::string(language) + ".lproj/InfoPlist.strings"] =
@@ -98,13 +96,12 @@ TEST(AddLocalApp, TakesTheNameInTheFirstLanguage) {
     for (const char *language :
          {"zh_TW.UTF-8", "ZH_hk", "zh_CN", "de_AT.UTF-8@euro", "de:en", "en_US", "es", "x*", "d[e]", "("}) {
         const ScopedEnvironment first("LANGUAGE", language);
-        names += tree.NameAndIcon(files) + " ";
+        names += NameAndIcon(files) + " ";
     }
     EXPECT_EQ(names, "zh-Hant zh-Hant zh-Hans de_AT de Bundle Bundle x* Bundle Bundle ");
 }
 
-TEST(ReadAppInfo, RefusesWhatIsNoApplication) {
-    const TempFolder folder;
+TEST_F(LocalApp, IsRefusedWhereItIsNone) {
     AppInfo info;
     info.genre = "untouched";
     const auto read = [&](const std::string &bytes) {

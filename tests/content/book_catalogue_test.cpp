@@ -73,112 +73,107 @@ std::string Book(const XmlEntries &metadata = {}) {
     return Archive(files);
 }
 
-TEST(BookCatalogue, GivesABookWithoutIdTheNextOneAndRefusesAnIdTwice) {
-    CatalogueFixture fixture;
+struct BookCatalogue : CatalogueFixture, testing::Test {};
+
+TEST_F(BookCatalogue, GivesABookWithoutIdTheNextOneAndRefusesAnIdTwice) {
     const std::string others = IdEntry(7) + "<string>odd</string>" + IdEntry(3);
-    fixture.WriteCatalogue(others);
-    const std::string path = fixture.File("a.epub", Book());
+    WriteCatalogue(others);
+    const std::string path = File("a.epub", Book());
     EXPECT_EQ(AddToBookCatalogue(path, kMediaTypeEpub), 0);
     const std::string size = EntryXml({{"file-size", XmlInteger(static_cast<int64_t>(Book().size()))}});
     const std::string added =
         EntryXml({{"asset-info", size}, {"itemId", XmlInteger(8)}, {"path", XmlText("K:\\Books\\8.epub")}});
-    EXPECT_EQ(fixture.Entries(), others + added);
-    EXPECT_THAT(ReadWholeFile(fixture.catalogue / "Books.plist"), testing::StartsWith("bplist"));
-    EXPECT_TRUE(fs::exists(fixture.catalogue / "8.epub/META-INF/container.xml"));
+    EXPECT_EQ(Entries(), others + added);
+    EXPECT_THAT(ReadWholeFile(catalogue / "Books.plist"), testing::StartsWith("bplist"));
+    EXPECT_TRUE(fs::exists(catalogue / "8.epub/META-INF/container.xml"));
     // What a book says of itself stays.
     const std::string info = EntryXml({{"file-size", XmlInteger(5)}, {"flavor", XmlText("x")}});
     XmlEntries own = {{"itemId", XmlInteger(900)}, {"asset-info", info}};
-    const std::string own_path = fixture.File("b.epub", Book(own));
+    const std::string own_path = File("b.epub", Book(own));
     own.push_back({"path", XmlText("K:\\Books\\900.epub")});
     for (const int32_t result : {0, -5}) {
         EXPECT_EQ(AddToBookCatalogue(own_path, kMediaTypeEpub), result);
-        EXPECT_EQ(fixture.Entries(), others + added + EntryXml(own));
+        EXPECT_EQ(Entries(), others + added + EntryXml(own));
     }
     // An entry of the number 0 stands in the way of every book without one, and the first number is 1.
-    fixture.WriteCatalogue(IdEntry(0));
+    WriteCatalogue(IdEntry(0));
     EXPECT_EQ(AddToBookCatalogue(path, kMediaTypeEpub), -5);
-    fixture.WriteCatalogue(IdEntry(-3));
+    WriteCatalogue(IdEntry(-3));
     EXPECT_EQ(AddToBookCatalogue(path, kMediaTypeEpub), 0);
-    EXPECT_THAT(fixture.Names(), UnorderedElementsAre("1.epub", "8.epub", "900.epub", "Books.plist"));
-    for (const char *source : {"a.epub", "b.epub"})
-        EXPECT_TRUE(fs::exists(fixture.folder.path() / source));
+    EXPECT_THAT(Names(), UnorderedElementsAre("1.epub", "8.epub", "900.epub", "Books.plist"));
+    for (const char *kept : {"a.epub", "b.epub"})
+        EXPECT_TRUE(fs::exists(folder.path() / kept));
 }
 
-TEST(BookCatalogue, KnowsAFileByItsBytes) {
-    CatalogueFixture fixture;
-    const std::string first = fixture.File("a.pdf", "abc");
+TEST_F(BookCatalogue, KnowsAFileByItsBytes) {
+    const std::string first = File("a.pdf", "abc");
     EXPECT_EQ(AddToBookCatalogue(first, kMediaTypePdf), 0);
     const std::string digest = "900150983CD24FB0D6963F7D28E17F72";
-    EXPECT_EQ(fixture.Entries(),
-              EntryXml({{"path", XmlText(first)}, {"BKGeneratedItemId", XmlText(digest)}}));
-    EXPECT_EQ(AddToBookCatalogue(fixture.File("b.pdf", "abc"), kMediaTypePdf), -5);
-    EXPECT_FALSE(fs::exists(fixture.folder.path() / "b.pdf"));
-    EXPECT_TRUE(fs::exists(fixture.folder.path() / "a.pdf"));
-    fixture.WriteCatalogue(EntryXml({{"BKGeneratedItemId", XmlText("900150983cd24fb0d6963f7d28e17f72")}}));
+    EXPECT_EQ(Entries(), EntryXml({{"path", XmlText(first)}, {"BKGeneratedItemId", XmlText(digest)}}));
+    EXPECT_EQ(AddToBookCatalogue(File("b.pdf", "abc"), kMediaTypePdf), -5);
+    EXPECT_FALSE(fs::exists(folder.path() / "b.pdf"));
+    EXPECT_TRUE(fs::exists(folder.path() / "a.pdf"));
+    WriteCatalogue(EntryXml({{"BKGeneratedItemId", XmlText("900150983cd24fb0d6963f7d28e17f72")}}));
     EXPECT_EQ(AddToBookCatalogue(first, kMediaTypePdf), -5);
-    EXPECT_FALSE(fs::exists(fixture.folder.path() / "a.pdf"));
+    EXPECT_FALSE(fs::exists(folder.path() / "a.pdf"));
 }
 
-TEST(BookCatalogue, TellsWhyABookIsNotEntered) {
-    CatalogueFixture fixture;
-    const std::string pdf = fixture.File("a.pdf", "abc");
+TEST_F(BookCatalogue, TellsWhyABookIsNotEntered) {
+    const std::string pdf = File("a.pdf", "abc");
     EXPECT_EQ(AddToBookCatalogue(pdf + "x", kMediaTypePdf), -3);
     EXPECT_EQ(AddToBookCatalogue(pdf, kMediaTypeEpub), -4);
-    EXPECT_EQ(fixture.Entries(), "");
+    EXPECT_EQ(Entries(), "");
     const std::pair<const char *, int32_t> rows[] = {
         {"<array/>", -1}, {"<dict/>", -2}, {"<dict><key>Books</key><dict/></dict>", -2}};
     for (const auto &[root, result] : rows) {
-        fixture.WriteRoot(root);
+        WriteRoot(root);
         EXPECT_EQ(AddToBookCatalogue(pdf, kMediaTypePdf), result);
-        EXPECT_EQ(LoadBookCatalogue(fixture.books), result == -1 ? -2 : 0);
+        EXPECT_EQ(LoadBookCatalogue(books), result == -1 ? -2 : 0);
     }
-    fs::remove(fixture.catalogue / "Books.plist");
+    fs::remove(catalogue / "Books.plist");
     EXPECT_EQ(AddToBookCatalogue(pdf, kMediaTypePdf), -1);
-    EXPECT_TRUE(fs::is_empty(fixture.catalogue));
+    EXPECT_TRUE(fs::is_empty(catalogue));
 }
 
-TEST(BookCatalogue, ListsItsBooksAtAScan) {
-    CatalogueFixture fixture;
+TEST_F(BookCatalogue, ListsItsBooksAtAScan) {
     for (const auto &[name, bytes] : Epub("p.opf", Package("<dc:title>Folder</dc:title>", "")))
-        fixture.folder.Write("wine/dosdevices/k:/Books/4.epub/" + name, bytes);
+        folder.Write("wine/dosdevices/k:/Books/4.epub/" + name, bytes);
     const std::string size = EntryXml({{"file-size", XmlInteger(12345678901)}});
-    fixture.WriteCatalogue(EntryXml({{"path", XmlText("K:\\Books\\4.epub")}, {"asset-info", size}}) +
-                           EntryXml({{"path", XmlText(fixture.File("a.pdf", "abc"))}}) +
-                           EntryXml({{"path", XmlText("K:\\x.mp3")}}) + EntryXml({{"path", XmlInteger(1)}}) +
-                           "<string>x.pdf</string>");
-    EXPECT_EQ(ScanBooks(&fixture.driver), 0);
-    ASSERT_EQ(ChildCount(fixture.books), 2);
-    EXPECT_THAT(AttributeLines(FindChild(fixture.books, "4.epub")),
+    WriteCatalogue(EntryXml({{"path", XmlText("K:\\Books\\4.epub")}, {"asset-info", size}}) +
+                   EntryXml({{"path", XmlText(File("a.pdf", "abc"))}}) +
+                   EntryXml({{"path", XmlText("K:\\x.mp3")}}) + EntryXml({{"path", XmlInteger(1)}}) +
+                   "<string>x.pdf</string>");
+    EXPECT_EQ(ScanBooks(&driver), 0);
+    ASSERT_EQ(ChildCount(books), 2);
+    EXPECT_THAT(AttributeLines(FindChild(books, "4.epub")),
                 testing::IsSupersetOf({"is_directory=true", "name=Folder", "location=K:\\Books\\4.epub",
                                        "st_size=12345678901"}));
-    EXPECT_EQ(FindAttribute(FindChild(fixture.books, "a.pdf"), "st_size"), "3");
+    EXPECT_EQ(FindAttribute(FindChild(books, "a.pdf"), "st_size"), "3");
 }
 
-TEST(BookCatalogue, TakesTheCopiesThatAreBooks) {
-    CatalogueFixture fixture;
-    const std::string epub = fixture.folder.Write("source/b.epub", Book()).string();
-    const std::string pdf = fixture.folder.Write("source/b.pdf", "abc").string();
-    const std::string song = fixture.folder.Write("source/b.mp3", "abcd").string();
+TEST_F(BookCatalogue, TakesTheCopiesThatAreBooks) {
+    const std::string epub = folder.Write("source/b.epub", Book()).string();
+    const std::string pdf = folder.Write("source/b.pdf", "abc").string();
+    const std::string song = folder.Write("source/b.mp3", "abcd").string();
     const auto copy = [&](const char *place, const std::string &file, int32_t answer = 0) {
-        fixture.answers = {0, answer};
-        fixture.TakeFile(file.c_str(), static_cast<int64_t>(fs::file_size(file)));
-        StartPathCopy(&fixture.driver, 0, CopyFixture::Report, &fixture, 2);
-        return CopyDriverPath(&fixture.driver, 0, place, &fixture.source);
+        answers = {0, answer};
+        TakeFile(file.c_str(), static_cast<int64_t>(fs::file_size(file)));
+        return Copy(2, place);
     };
     EXPECT_EQ(copy("library/book", epub, 2), 2);  // stopped
-    EXPECT_EQ(fixture.Entries(), "");
+    EXPECT_EQ(Entries(), "");
     EXPECT_EQ(copy("LIBRARY/Books/x", epub), 0);
     EXPECT_EQ(copy("library/book", pdf), 0);
     EXPECT_EQ(copy("library/music", song), 0);
     EXPECT_EQ(copy("library/music", pdf), 0);  // known by now
-    EXPECT_THAT(fixture.Entries(),
+    EXPECT_THAT(Entries(),
                 testing::ContainsRegex("K:.Books.1.epub.*K:.Books.b.pdf</string><key>BKGeneratedItemId"));
-    EXPECT_THAT(fixture.Names(), UnorderedElementsAre("1.epub", "Books.plist", "b.pdf"));
-    EXPECT_EQ(fixture.Files(), (std::map<std::string, std::string>{{"b.mp3", "abcd"}}));
-    EXPECT_TRUE(fs::exists(fixture.folder.path() / "temp/b.epub"));
+    EXPECT_THAT(Names(), UnorderedElementsAre("1.epub", "Books.plist", "b.pdf"));
+    EXPECT_EQ(Files(), (std::map<std::string, std::string>{{"b.mp3", "abcd"}}));
+    EXPECT_TRUE(fs::exists(folder.path() / "temp/b.epub"));
 }
 
-TEST(BookCatalogue, IsWholeOrCompleteAfterAFaultAtAnyCall) {
+TEST_F(BookCatalogue, IsWholeOrCompleteAfterAFaultAtAnyCall) {
     for (const int32_t type : {kMediaTypePdf, kMediaTypeEpub}) {
         std::string after;
         int kept = 0;

@@ -14,7 +14,6 @@
 #include "platform/limits.h"
 #include "tests/content/epub_files.h"
 #include "tests/content/media_tree.h"
-#include "tests/support/collected_log.h"
 
 namespace {
 
@@ -26,7 +25,6 @@ std::string Titled(const std::string &title, const std::string &manifest = "") {
 
 struct BookTree : MediaTree {
     DriverPath *books = AddRoot("Books", node_category::kBook, node_subcategory::kBook);
-    CollectedLog log;
 
     // The same book in both forms, "NAME.epub" and "folder/NAME.epub".
     void Add(const std::string &name, const Files &files) const {
@@ -46,10 +44,10 @@ struct BookTree : MediaTree {
     void ExpectBare(const std::vector<std::string> &names) {
         Add("good", Epub("o/p.opf", Titled("Good", CoverItemXml("c.png", ""))));
         ASSERT_EQ(ScanBooks(&driver), 0);
-        EXPECT_EQ(FindAttribute(At({"Books", "good.epub"}), "name"), "Good");
-        EXPECT_EQ(CoverOf(At({"Books", "good.epub"})), "o\\c.png");
+        EXPECT_EQ(FindAttribute(At("library/Books/good.epub"), "name"), "Good");
+        EXPECT_EQ(CoverOf(At("library/Books/good.epub")), "o\\c.png");
         for (const std::string &name : names) {
-            DriverPath *book = At({"Books", name + ".epub"});
+            DriverPath *book = At("library/Books/" + name + ".epub");
             ASSERT_NE(book, nullptr) << name;
             EXPECT_EQ(FindAttribute(book, "name"), name);
             EXPECT_EQ(CoverOf(book), "none") << name;
@@ -103,59 +101,58 @@ TEST(AddLocalBook, FindsTheCoverOfBothForms) {
     }
 }
 
-TEST(AddLocalBook, TellsWhatThePackageAndTheFileTell) {
+struct Books : BookTree, testing::Test {};
+
+TEST_F(Books, TellWhatTheirPackagesAndTheirFilesTell) {
     const ScopedZone zone("UTC");
-    BookTree tree;
     Files files = Epub("a/b.opf", Package("<dc:title> A &amp; B</dc:title><dc:creator>C</dc:creator><title>no"
                                           "</title><dc:creator>D</dc:creator><dc:subject>S</dc:subject>"
                                           "<dc:date>April</dc:date><dc:date>1970-01-02</dc:date>"
                                           "<dc:publisher>P</dc:publisher>",
                                           CoverItemXml("c.png", "")));
     files["itunesARTWORK"] = "picture";
-    tree.Add("b", files);
-    tree.Write("My.Paper.PDF", "%PDF");
-    DriverPath *book = tree.Added("Books/b.epub");
+    Add("b", files);
+    Write("My.Paper.PDF", "%PDF");
+    DriverPath *book = Added("Books/b.epub");
     EXPECT_EQ(book->from_folder_scan, 1);
     const std::string told = " name= A & B artist=C artist=D subject=S st_mtime=86400 album=P\n";
-    std::string location = "location=" + tree.Location("Books/b.epub");
+    std::string location = "location=" + Location("Books/b.epub");
     EXPECT_EQ(TreeText(book, "b"), "b 4 5 50 st_size=" + std::to_string(Archive(files).size()) + " " +
                                        location + " media_has_thumb=true format=EPUB" + told +
                                        "b/thumb 1 4 43 " + location + " cover-image-path=iTunesArtwork\n");
-    location = "is_directory=true location=" + tree.Location("folder/b.epub");
-    EXPECT_THAT(TreeText(tree.Added("folder/b.epub"), "b"),
+    location = "is_directory=true location=" + Location("folder/b.epub");
+    EXPECT_THAT(TreeText(Added("folder/b.epub"), "b"),
                 testing::StartsWith("b 4 5 50 " + location + " media_has_thumb=true format=EPUB" + told +
                                     "b/thumb 1 4 43 " + location + " cover"));
-    EXPECT_EQ(TreeText(tree.Added("My.Paper.PDF"), "b"),
-              "b 4 5 50 st_size=4 location=" + tree.Location("My.Paper.PDF") +
+    EXPECT_EQ(TreeText(Added("My.Paper.PDF"), "b"),
+              "b 4 5 50 st_size=4 location=" + Location("My.Paper.PDF") +
                   " media_has_thumb=true format=PDF name=My.Paper\nb/thumb 1 4 43 location=" +
-                  tree.Location("My.Paper.PDF") + "\n");
+                  Location("My.Paper.PDF") + "\n");
     // Of all that was extracted only folders are left.
-    for (const auto &entry : fs::recursive_directory_iterator(tree.folder.path() / "temp"))
+    for (const auto &entry : fs::recursive_directory_iterator(folder.path() / "temp"))
         EXPECT_TRUE(entry.is_directory()) << entry.path();
-    EXPECT_EQ(AddLocalBook(tree.books, tree.Write("b.txt", "x")), -2);
-    EXPECT_EQ(AddLocalBook(tree.books, tree.Location("gone.epub")), -3);
+    EXPECT_EQ(AddLocalBook(books, Write("b.txt", "x")), -2);
+    EXPECT_EQ(AddLocalBook(books, Location("gone.epub")), -3);
 }
 
-TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
-    BookTree tree;
+TEST_F(Books, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
     std::string deep;
     for (int i = 0; i < 100000; ++i)
         deep += "<package>";
     const std::string huge(70 << 20, ' ');
-    tree.Add("deep container", {{"META-INF/container.xml", deep}});
-    tree.Add("deep package", Epub("p.opf", deep));
-    tree.Add("huge container", {{"META-INF/container.xml", huge}});
-    tree.Add("huge package", Epub("p.opf", Titled("H" + huge)));
-    tree.Write("Books/no archive.epub", "PK\3\4");
-    tree.Write("Books/empty.epub", "");
-    tree.ExpectBare(
-        {"deep container", "deep package", "huge container", "huge package", "no archive", "empty"});
-    EXPECT_EQ(BookTree::CoverOf(tree.Added("folder/deep container.epub")), "none");
+    Add("deep container", {{"META-INF/container.xml", deep}});
+    Add("deep package", Epub("p.opf", deep));
+    Add("huge container", {{"META-INF/container.xml", huge}});
+    Add("huge package", Epub("p.opf", Titled("H" + huge)));
+    Write("Books/no archive.epub", "PK\3\4");
+    Write("Books/empty.epub", "");
+    ExpectBare({"deep container", "deep package", "huge container", "huge package", "no archive", "empty"});
+    EXPECT_EQ(CoverOf(Added("folder/deep container.epub")), "none");
     const auto line = [&](const Limit &limit, const std::string &file) {
         return "[iTunes] More than " + std::to_string(limit.value) + " " + limit.name + ": \"" +
-               tree.Location(file + ".epub") + "\"";
+               Location(file + ".epub") + "\"";
     };
-    EXPECT_THAT(tree.log.Lines(),
+    EXPECT_THAT(log.Lines(),
                 testing::UnorderedElementsAre(testing::HasSubstr("Failed to parse xml file: \""),
                                               line(limits::kXmlDepth, "Books\\deep container"),
                                               line(limits::kXmlDepth, "Books\\deep package"),
@@ -165,13 +162,12 @@ TEST(HostileEpub, DocumentsThatNestOrSwellWithoutEndAreNotRead) {
 }
 
 // An archive may hold entries of such names; the temporary copy that the book speaks of lies elsewhere.
-TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
-    BookTree tree;
+TEST_F(Books, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
     const std::string victim = Titled("Victim", CoverItemXml("v", ""));
-    const fs::path &top = tree.folder.path();
+    const fs::path &top = folder.path();
     for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
-        tree.folder.Write(name, victim);
-    std::vector<std::string> books = {"page", "linked"};
+        folder.Write(name, victim);
+    std::vector<std::string> listed = {"page", "linked"};
     const std::vector<std::string> names = {
         "../victim", "..\\victim", "x/../../../victim",      "../vict.m", ".*", ".", "..", "/", "",
         "(a+)+$",    "victim&#0;", (top / "victim").string()};
@@ -181,23 +177,20 @@ TEST(HostileEpub, NoDocumentOutsideOfTheTemporaryFolderIsReadWrittenOrDeleted) {
                        {std::string(50, 'a') + "b", "x"},
                        {"ab/victim", Titled("E")}};
         if (!name.empty()) files.emplace(name, Titled("E"));
-        books.push_back("bad" + std::to_string(books.size()));
-        tree.Write("Books/" + books.back() + ".epub", Archive(files));
+        listed.push_back("bad" + std::to_string(listed.size()));
+        Write("Books/" + listed.back() + ".epub", Archive(files));
     }
-    tree.Add("page", Epub("p.opf", Package("", CoverItemXml("../victim", "application/xhtml+xml"))));
+    Add("page", Epub("p.opf", Package("", CoverItemXml("../victim", "application/xhtml+xml"))));
     // A folder below the temporary one that someone else has put there.
     fs::create_directory_symlink(top / "elsewhere", top / "temp/linked.epub");
-    tree.Add("linked", Epub("p.opf", Titled("L")));
-    tree.ExpectBare(books);
+    Add("linked", Epub("p.opf", Titled("L")));
+    ExpectBare(listed);
     for (const char *name : {"temp/victim", "victim", "elsewhere/META-INF/container.xml"})
         EXPECT_EQ(ReadWholeFile(top / name), victim);
     EXPECT_EQ(std::distance(fs::directory_iterator(top), {}), 4);
 }
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-
-TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
-    const TempFolder folder;
+TEST_F(Books, AreReadAsTheByteOrderMarkTells) {
     using namespace std::string_literals;
     const std::string longest(limits::kTextFileBytes.value, 'x');
     // The text, or the number of the error.
@@ -206,15 +199,14 @@ TEST(ReadTextFileAsUtf8, GoesByTheByteOrderMark) {
         const int32_t result = ReadTextFileAsUtf8(folder.Write("t", bytes).string(), text);
         return result == 0 ? text : std::to_string(result);
     };
-    const Pairs rows = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
-                        {"\xFF\xFE\0\xD8"s, "-3"},
-                        {"\xEF\xBB\xBF\xC3", "\xC3"},
-                        {"\xEF\xBB", "-2"},
-                        {"\xEF\xBBx", "-2"},
-                        {"\xEF\xBB\xBF", "-3"},
-                        {"", "-3"},
-                        {"\xC3\xA9", "\xC3\xA9"},
-                        {"\xE9", "\xE9"}};
+    const std::pair<std::string, std::string> rows[] = {{"\xFF\xFE\xE9\0x"s, "\xC3\xA9"},
+                                                        {"\xFF\xFE\0\xD8"s, "-3"},
+                                                        {"\xEF\xBB\xBF\xC3", "\xC3"},
+                                                        {"\xEF\xBB", "-2"},
+                                                        {"\xEF\xBBx", "-2"},
+                                                        {"\xEF\xBB\xBF", "-3"},
+                                                        {"", "-3"},
+                                                        {"\xE9", "\xE9"}};
     for (const auto &[bytes, text] : rows)
         EXPECT_EQ(read(bytes), text);
     EXPECT_EQ(read("\xFE\xFF\0\xE9\xD8\x3D\xDE\0\0\0\0x"s), "\xC3\xA9\xF0\x9F\x98\x80");

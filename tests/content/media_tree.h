@@ -11,7 +11,9 @@
 #include "fixtures/scoped_environment.h"
 #include "fixtures/temp_folder.h"
 #include "fixtures/zip_builder.h"
+#include "tests/driver/open_library.h"
 #include "tests/driver/tree_fixture.h"
+#include "tests/support/collected_log.h"
 
 // An archive with one deflated entry for each file, in the order of their names.
 inline std::string Archive(const std::map<std::string, std::string> &files) {
@@ -49,6 +51,7 @@ inline std::string TreeText(const DriverPath *node, const std::string &name) {
 // A driver without a library, with a media folder and a folder for temporary files of its own.
 struct MediaTree : BareTree {
     TempFolder folder;
+    CollectedLog log;
     ScopedEnvironment temp{"TEMP", (folder.path() / "temp").string()};
 
     MediaTree() {
@@ -67,13 +70,9 @@ struct MediaTree : BareTree {
     DriverPath *AddRoot(const char *name, int32_t category, int32_t subcategory) {
         return CreateCategoryPath(&driver, name, node_kind::kFolder, category, subcategory);
     }
-    // The node at the names below "library", or null.
-    DriverPath *At(const std::vector<std::string> &names) {
-        DriverPath *node = GetLibraryRoot(&driver);
-        for (const std::string &name : names)
-            node = node == nullptr ? nullptr : FindChild(node, name);
-        return node;
-    }
+    // The node that a path text names, or null, and the bytes of its stream.
+    DriverPath *At(const std::string &path) { return OpenedPath(&driver, path.c_str()).get(); }
+    std::string StreamOf(const std::string &path) { return StreamBytes(&driver, path, 100).value_or("none"); }
 };
 
 #endif

@@ -45,8 +45,6 @@ TEST(TempPath, IsOfAnyLengthAndHasOneFolderOrNone) {
     EXPECT_EQ(BuildTempPath(std::nullopt, "n"), "/system/temporary\\n");
 }
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-
 // The numbers of a kind and its media type.
 std::string KindOf(const std::string &path) {
     const auto category = GetFileCategory(path);
@@ -56,7 +54,7 @@ std::string KindOf(const std::string &path) {
 }
 
 TEST(FileKinds, ExtensionDecidesWhateverItsCase) {
-    const Pairs rows = {
+    const std::pair<std::string, std::string> rows[] = {
         {"mp3 m4a", "2 20 0"},       {"Aac WAV", "2 20 -1"},          {"m4r", "2 21 2"},
         {"audible book", "2 22 -1"}, {"mp4 mpeg MPEG4", "3 30 1"},    {"m4v mov", "3 30 1"},
         {"mpg mp4v", "3 30 -1"},     {"jpg jpeg png gif", "4 40 -1"}, {"pdf", "5 50 6"},

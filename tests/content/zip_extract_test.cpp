@@ -25,10 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;
 
-constexpr Limit Bytes(uint64_t count) {
-    return {"bytes", count};
-}
-
 class ZipExtractTest : public ::testing::Test {
   protected:
     ZipExtractTest() { fs::create_directory(Out()); }
@@ -170,13 +166,13 @@ TEST_F(ZipExtractTest, NoNameLeadsOutOfTheFolder) {
 TEST_F(ZipExtractTest, BombStopsAtEachLimit) {
     const std::string zeros(limits::kZipFreeBytes, '\0');
     const ZipBuilderEntry bomb = DeflatedEntry("1", zeros);
-    const Limit whole = Bytes(zeros.size());
-    const Limit less = Bytes(zeros.size() - 1);
+    const Limit whole{"bytes", zeros.size()}, less{"bytes", zeros.size() - 1},
+        twice{"bytes", 2 * zeros.size()};
     EXPECT_EQ(Unzip({bomb}, {less, whole}), -3);
     EXPECT_EQ(Unzip({bomb, StoredEntry("2", "")}, {whole, less}), -3);
     EXPECT_EQ(Unpacked(), Files());
-    EXPECT_EQ(Unzip({bomb, bomb}, {whole, Bytes(2 * zeros.size())}), -3) << "for its expansion";
-    EXPECT_EQ(Unzip({bomb, StoredEntry("1", zeros)}, {whole, Bytes(2 * zeros.size())}), 0);
+    EXPECT_EQ(Unzip({bomb, bomb}, {whole, twice}), -3) << "for its expansion";
+    EXPECT_EQ(Unzip({bomb, StoredEntry("1", zeros)}, {whole, twice}), 0);
     EXPECT_EQ(Unzip({bomb, StoredEntry("2", "x")}, {whole, whole}), -3);
     EXPECT_EQ(Unzip({DeflatedEntry("3", zeros + '\0')}), -3) << "more than the archive's size allows";
     EXPECT_EQ(Unpacked(), (Files{{"1", zeros}}));

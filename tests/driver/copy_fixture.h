@@ -7,14 +7,12 @@
 #include <vector>
 
 #include "tests/content/media_tree.h"
-#include "tests/support/collected_log.h"
 #include "tests/support/folder_contents.h"
 
 // A driver with a folder to copy into, and one source.
 struct CopyFixture : MediaTree {
     static constexpr const char *kFolder = "media/Automatically Add to iTunes";
 
-    CollectedLog log;
     CopySourceInfo source = {};
     std::vector<int32_t> answers = {0};  // of the callback, call by call; the last one from then on
     std::string reports;                 // "state:bytes" for each call, and "!error" where there is one
@@ -50,10 +48,10 @@ struct CopyFixture : MediaTree {
         source.source_path = path;
     }
 
-    int32_t Copy(int32_t chunk = 4) {
+    int32_t Copy(int32_t chunk = 4, const char *place = "library/music") {
         reports.clear();
         StartPathCopy(&driver, 0, Report, this, chunk);
-        return CopyDriverPath(&driver, 0, "library/music", &source);
+        return CopyDriverPath(&driver, 0, place, &source);
     }
 
     static int32_t Report(const CopyProgress *progress, void *context) {

@@ -40,7 +40,6 @@ TEST(Copy, IsToldAndLeavesNothingHalfWritten) {
         {{7}, "0:0 1:4 1:8 1:10", 7},
         {{7, 7, 7, 0}, "0:0 1:4 1:8 1:10 2:10", 0},
         // Stopped at the start, in the middle, and behind the last chunk.
-        {{-1}, "0:0", -1},
         {{2}, "0:0", 2},
         {{0, 2}, "0:0 1:4", 2},
         {{0, 0, 0, -1}, "0:0 1:4 1:8 1:10", -1},

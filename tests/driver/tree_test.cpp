@@ -76,8 +76,6 @@ TEST(FindPathByPersistentId, AgreesWithAWalkWhileAnyTreeGrows) {
 }
 
 TEST(FindCategoryRoot, TheLastChildWithTheNumbersWins) {
-    LibraryDriver empty;
-    EXPECT_EQ(CreateCategoryPath(&empty, "movie", 1, 3, 30), nullptr);
     BareTree tree;
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(FindCategoryRoot(&tree.driver, 30, 3), nullptr);

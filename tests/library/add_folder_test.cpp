@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "fixtures/scoped_environment.h"
-#include "tests/support/folder_contents.h"
 #include "tests/support/collected_log.h"
+#include "tests/support/folder_contents.h"
 
 namespace {
 

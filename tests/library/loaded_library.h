@@ -35,11 +35,8 @@ class LoadedLibrary {
     }
     ~LoadedLibrary() { DestroyLibrary(&driver); }
 
-    // The node that a path text names, or null; its kind and category numbers, and the names under it.
+    // The node that a path text names, or null, and the names under it.
     DriverPath *At(const std::string &path) { return OpenedPath(&driver, path.c_str()).get(); }
-    std::vector<int32_t> Numbers(const std::string &path) {
-        return OpenedPath(&driver, path.c_str()).Numbers();
-    }
     std::vector<std::string> NamesUnder(const std::string &path) {
         return OpenedPath(&driver, path.c_str()).Names();
     }

@@ -65,11 +65,11 @@ TEST(LoadPlaylists, TheOtherSourceGivesItsTracksUnclassifiedAndSmartLists) {
                             "application_version=12.9.4.102"));
     EXPECT_THAT(library.NamesUnder("playlist"), ElementsAre("Mine"));
     EXPECT_THAT(library.NamesUnder("playlist/Mine"), ElementsAre("2", "-3"));
-    EXPECT_THAT(library.Numbers("playlist/Mine"), ElementsAre(1, 1, 3));
+    EXPECT_THAT(OpenedPath(&library.driver, "playlist/Mine").Numbers(), ElementsAre(1, 1, 3));
     EXPECT_EQ(FindAttribute(library.At("playlist/Mine"), "persistent_id"), "77");
     EXPECT_THAT(library.NamesUnder("library/movie"), ElementsAre("2"));
     EXPECT_EQ(library.driver.master_playlist, nullptr);
-    EXPECT_THAT(library.Numbers("playlist/Mine/-3"), ElementsAre(4, 0, 0));
+    EXPECT_THAT(OpenedPath(&library.driver, "playlist/Mine/-3").Numbers(), ElementsAre(4, 0, 0));
     const DriverPath *track = library.Tracks().at(0);
     EXPECT_EQ(FindAttribute(track, "genre"), "");
     EXPECT_EQ(FindAttribute(track, "kind"), "MPEG audio file");

@@ -42,7 +42,7 @@ TEST(Refresh, TakesInNewTracksAndLeavesTheRestAlone) {
     }
     EXPECT_EQ(FindAttribute(library.At("library/music/2.mp3"), "name"), "Old");
     EXPECT_EQ(FindAttribute(library.At("library/music/3.audiobook"), "location"), "m/x/3.audiobook");
-    EXPECT_THAT(library.Numbers("library/movie/5.mp3"), ElementsAre(4, 3, 9));
+    EXPECT_THAT(OpenedPath(&library.driver, "library/movie/5.mp3").Numbers(), ElementsAre(4, 3, 9));
     EXPECT_EQ(library.At("library/movie/5.mp3")->share_count, 0);
     EXPECT_EQ(library.driver.library_plist.get(), plist);
 }
