@@ -20,7 +20,7 @@ TEST(ParseTimeStamp, FieldsBeforeTheFirstMismatchCountAndZonesDoNot) {
                                                      {"2012-04-05T10:20:30+08:00", kApril5 + 37230},
                                                      {"99999999999999999999-99999999999999999999", -1},
                                                      {"-99999999999999999999--99999999999999999999", -1},
-                                                     {"2012-04-35", kApril5 + 30 * kDay},
+                                                     {"+2012-04-35", kApril5 + 30 * kDay},
                                                      {"2012-04", kApril5 - 5 * kDay},
                                                      {"2012-", 15339 * kDay},
                                                      {"April 2012", -1},

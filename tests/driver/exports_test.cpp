@@ -10,6 +10,7 @@
 
 #include "driver/itunes_driver.h"
 #include "fixtures/artwork_file.h"
+#include "fixtures/media_files.h"
 #include "fixtures/sample_library.h"
 #include "fixtures/temp_folder.h"
 #include "tests/driver/open_library.h"
@@ -218,6 +219,21 @@ TEST_F(Exports, ALibraryThatCannotBeOpenedGivesNoHandle) {
     EXPECT_EQ(driver, driver_);
     EXPECT_TRUE(log_.Has("[iTunes] Open iTunes Library XML file failed."));
     EXPECT_EQ(log_.Last(), "Create iTunes library failed");
+}
+
+TEST_F(Exports, ACopiedFileShowsInTheTreeWhenTheBatchEnds) {
+    const std::string film = M4vFile(1, {"Copied", "", "", "", 0, 0});
+    const std::string path = folder_.Write("copied.m4v", film).string();
+    CopySourceInfo source = {};
+    source.source_type = 1;
+    source.source_path = path.c_str();
+    source.source_size = static_cast<int64_t>(film.size());
+    EXPECT_EQ(StartPathCopy(driver_, 0, nullptr, nullptr, 4096), 0);
+    EXPECT_EQ(CopyDriverPath(driver_, 0, "library/movie", &source), 0);
+    EXPECT_EQ(FinishPathCopy(driver_, 0), 0);
+    EXPECT_EQ(
+        StreamBytes(driver_, "library/movie/" + OpenedPath(driver_, "library/movie").Names().back(), 1000),
+        film);
 }
 
 }  // namespace

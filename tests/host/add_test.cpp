@@ -21,7 +21,7 @@ class Add : public HostTest {
 
 TEST_F(Add, FoldersAreWalkedInOrderAndOnce) {
     for (const char *name :
-         {"b/2.MP3", "b/.hidden.mp3", "b/cover.jpg", "a.m4a", "c/book.pdf", "d/AC\\DC? \xff.mp3"})
+         {"b/2.MP3", "b/.hidden.mp3", "b/cover.jpg", "a.m4a", "c/book.pdf", "d/AC\\DC? \xff.mp3", "e.m4v"})
         folder_.Write(std::string("in/") + name, name);
     fs::create_directory_symlink("..", path_ + "in/c/up");
     const HostResult result = Run("add in in/a.m4a -v");
@@ -31,9 +31,10 @@ TEST_F(Add, FoldersAreWalkedInOrderAndOnce) {
         MatchesRegex("added      in/a.m4a as a.m4a, now library/music/500000..m4a\n"
                      "added      in/b/2.MP3 as 2.MP3, now library/music/500000..MP3\n"
                      "added      in/c/book.pdf as book.pdf, now library/book/book.pdf\n"
-                     "added      in/d/AC.DC. .xff.mp3 as AC_DC_ _.mp3, now library/music/500000..mp3\n"));
+                     "added      in/d/AC.DC. .xff.mp3 as AC_DC_ _.mp3, now library/music/500000..mp3\n"
+                     "added      in/e.m4v as e.m4v, now library/movie/500000..m4v\n"));
     EXPECT_THAT(result.errors,
-                HasSubstr("added 4 files (36 B)\n  passed over 1 entry: hidden\n    in/b/.hidden.mp3\n"));
+                HasSubstr("added 5 files (41 B)\n  passed over 1 entry: hidden\n    in/b/.hidden.mp3\n"));
     EXPECT_THAT(result.errors,
                 HasSubstr("1 entry: of a kind that iTunes does not take\n    in/b/cover.jpg\n"));
     EXPECT_THAT(result.errors, HasSubstr("2 entries: there twice\n    in/c/up\n    in/a.m4a"));
