@@ -35,8 +35,6 @@ class Server {
         thread_.join();
         close(socket_);
     }
-    Server(const Server &) = delete;
-    Server &operator=(const Server &) = delete;
 
     std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/icon.png"; }
     int connections() const { return connections_; }
@@ -70,8 +68,6 @@ class Download : public FolderTest {
     HRESULT Fetch(const std::string &url) const {
         return URLDownloadToFileW(nullptr, Utf8ToWide(url).c_str(), Wide("ICON.jpg").c_str(), 0, nullptr);
     }
-    std::string Files() const { return Listing(folder_.path()); }
-
     ScopedEnvironment no_proxy_{"no_proxy", "127.0.0.1"};
 };
 
@@ -79,11 +75,11 @@ TEST_F(Download, WritesTheTargetAndFollowsARedirectionToHttp) {
     const std::string picture("\x89PNG\0\r\n", 7);
     const Server server(Answer("200 OK", "Content-Length: 7\r\n", picture));
     EXPECT_EQ(Fetch(server.Url()), S_OK);
-    EXPECT_EQ(Files(), "ICON.jpg=" + picture + ";");
+    EXPECT_EQ(All(), "ICON.jpg=" + picture + ";");
     const Server other(Answer("200 OK", "Content-Length: 3\r\n", "png"));
     const Server redirection(Answer("302 Found", "Location: " + other.Url() + "\r\n", ""));
     EXPECT_EQ(Fetch(redirection.Url()), S_OK);
-    EXPECT_EQ(Files(), "ICON.jpg=png;");
+    EXPECT_EQ(All(), "ICON.jpg=png;");
 }
 
 TEST_F(Download, FailuresLeaveNoFileOrTheOldOne) {
@@ -98,18 +94,18 @@ TEST_F(Download, FailuresLeaveNoFileOrTheOldOne) {
         SCOPED_TRACE(answer.substr(0, 100));
         const Server server(answer);
         EXPECT_TRUE(FAILED(Fetch(server.Url())));
-        EXPECT_EQ(Files(), "");
+        EXPECT_EQ(All(), "");
         folder_.Write("icon.jpg", "old");
         EXPECT_TRUE(FAILED(Fetch(server.Url())));
-        EXPECT_EQ(Files(), "icon.jpg=old;");
+        EXPECT_EQ(All(), "icon.jpg=old;");
         EXPECT_GE(server.connections(), 2);
         EXPECT_LE(server.connections(), answer.find("/again") == std::string::npos ? 2 : 30);
         std::filesystem::remove(Native("icon.jpg"));
     }
     for (const std::string &url :
-         {secret, std::string("ftp://127.0.0.1/x"), std::string("no url"), std::string()})
+         std::initializer_list<std::string>{secret, "ftp://127.0.0.1/x", "no url", ""})
         EXPECT_TRUE(FAILED(Fetch(url))) << url;
-    EXPECT_EQ(Files(), "");
+    EXPECT_EQ(All(), "");
 }
 
 }  // namespace

@@ -29,7 +29,6 @@ class FileCalls : public FolderTest {
         FileHandle file(Wide(name), mode);
         return file && std::fputs(text, file.get()) >= 0 && file.Close() && !file.Close();
     }
-    std::string All() const { return Listing(folder_.path()); }
 };
 
 TEST_F(FileCalls, ModesReuseAFileOfAnotherSpelling) {

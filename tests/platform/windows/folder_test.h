@@ -25,6 +25,7 @@ class FolderTest : public testing::Test {
     std::wstring Wide(const std::string &name) const {
         return Utf8ToWide(folder_.path().string() + "\\" + name);
     }
+    std::string All() const { return Listing(folder_.path()); }
 
     TempFolder folder_;
 };

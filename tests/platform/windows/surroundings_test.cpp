@@ -51,10 +51,10 @@ TEST(MusicFolder, GoesByTheUserFoldersAndIsElseMusicInTheHomeFolder) {
     const ScopedEnvironment home_variable("HOME", place);
     const ScopedEnvironment no_config("XDG_CONFIG_HOME", std::nullopt);
     EXPECT_EQ(MusicFolder(), place + "/Music");
-    home.Write(".config/user-dirs.dirs",
-               "# XDG_MUSIC_DIR=\"/comment\"\nXDG_VIDEOS_DIR=\"/v\"\n  XDG_MUSIC_DIR=\"$HOME/Meine "
-               "\\\"Musik\\\"/\"\n");
-    EXPECT_EQ(MusicFolder(), place + "/Meine \"Musik\"");
+    home.Write(
+        ".config/user-dirs.dirs",
+        "# XDG_MUSIC_DIR=\"/c\"\nXDG_VIDEOS_DIR=\"/v\"\n  XDG_MUSIC_DIR=\"$HOME/My \\\"Music\\\"/\"\n");
+    EXPECT_EQ(MusicFolder(), place + "/My \"Music\"");
     home.Write("other/user-dirs.dirs", "XDG_MUSIC_DIR=\"/srv/music\"\n");
     const ScopedEnvironment config("XDG_CONFIG_HOME", place + "/other");
     EXPECT_EQ(MusicFolder(), "/srv/music");
@@ -78,7 +78,7 @@ TEST(DynamicLibrary, LoadsByNameAndByPath) {
     EXPECT_EQ(FreeLibrary(library), TRUE);
     const TempFolder folder;
     const std::string text = folder.Write("libm.so.6", "no library").string();
-    for (const std::string &name : {std::string("MediaInfo-absent.dll"), std::string(), text}) {
+    for (const std::string &name : std::initializer_list<std::string>{"MediaInfo-absent.dll", "", text}) {
         EXPECT_EQ(LoadLibraryW(Utf8ToWide(name).c_str()), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
     }
