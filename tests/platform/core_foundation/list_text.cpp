@@ -26,7 +26,7 @@ std::string Quoted(std::string_view text) {
     std::string out;
     for (const char byte : text) {
         const bool is_plain = byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
-        out += is_plain ? std::string(1, byte) : Print("\\x%02x", static_cast<unsigned char>(byte));
+        out += Print(is_plain ? "%c" : "\\x%02x", static_cast<unsigned char>(byte));
     }
     return '"' + out + '"';
 }
@@ -135,7 +135,7 @@ std::string Utf16(std::string_view text, bool big_endian) {
 
 std::string Repeat(std::string_view text, size_t count) {
     std::string repeated;
-    for (size_t i = 0; i < count; ++i)
+    while (count-- > 0)
         repeated += text;
     return repeated;
 }

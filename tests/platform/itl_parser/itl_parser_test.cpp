@@ -82,11 +82,9 @@ ItlFile SmallLibrary(const ItlForm &form) {
                    .album = 7});
     file.AddTrack({.id = 102,
                    .texts = {{kItlName, "na\xEFve", 0}, {kItlAlbum, "Blue"}},
-                   .size = 0x80000000,
-                   .total_time = 2843833152,
                    .sample_rate = -1,
                    .album = 7});
-    file.AddTrack({.id = 103, .rating = 20, .album = 7});
+    file.AddTrack({.id = 103, .size = 0x80000000, .total_time = 2843833152, .rating = 20, .album = 7});
     file.AddAlbum(9, 100);
     file.AddAlbum(7, 60);
     file.AddPlaylist({.name = "####!####", .id = 901, .master = true, .items = {101, 102, 103}});
@@ -104,8 +102,8 @@ std::string SmallLibraryText(const ItlForm &form) {
     return form.version +
            " A1B2C3D4E5F60718\n101|Café|Blue|東京 😀|Rock|naïve|file://localhost/C:/Music/Caf%C3%A9.mp3|"
            "3422000000|4000000|180000|256|44100|80|1122334455667788|3\n"
-           "102|naïve|Blue|||||0|-1|0|0|0|" +
-           album_rating + "|0000000000000000|0\n103|||||||0|0|0|0|0|20|0000000000000000|0\n####!####||" +
+           "102|naïve|Blue|||||0|0|0|0|0|" +
+           album_rating + "|0000000000000000|0\n103|||||||0|-1|0|0|0|20|0000000000000000|0\n####!####||" +
            id(0) + "|0: 101 102 103\nMusic|AQID|" + id(1) + "|" + kind + ": 102\nЖ||" + id(2) +
            "|0: 103 101 103 999\n";
 }

@@ -118,30 +118,24 @@ TEST(AnsiText, MultiByteAndCombiningCodePages) {
 }
 
 TEST(CodePageOfLocale, LanguagesAndCharacterSets) {
-    const std::pair<UINT, std::vector<const char *>> cases[] = {
-        {1252, {"", "C", "C.UTF-8", "POSIX", "de_DE.UTF-8", "xx_XX.UTF-8", "s", "de_DE.UTF-8@\xFF"}},
-        {1250, {"cs_CZ.UTF-8", "sr_RS@latin"}},
-        {1251, {"sr_RS.UTF-8", "bg_BG.CP1251", "uz_UZ.UTF-8@cyrillic"}},
-        {1253, {"el_GR.utf8"}},
-        {1254, {"tr_TR.UTF-8"}},
-        {1255, {"he_IL.UTF-8"}},
-        {1256, {"ar_EG.UTF-8"}},
-        {1257, {"lt_LT.UTF-8"}},
-        {1258, {"vi_VN.UTF-8"}},
-        {874, {"th_TH.UTF-8"}},
-        {932, {"ja_JP.UTF-8", "ja_JP.SJIS"}},
-        {936, {"zh_CN.UTF-8"}},
-        {949, {"ko_KR.UTF-8"}},
-        {950, {"zh_TW.UTF-8", "zh_HK.UTF-8"}},
-        {20866, {"ru_RU.KOI8-R"}},
-        {20932, {"ja_JP.eucJP"}},
-        {28592, {"pl_PL.iso88592"}},
-        {28605, {"de_DE.ISO-8859-15@euro"}},
-        {54936, {"zh_CN.GB18030"}}};
-    for (const auto &[page, locales] : cases) {
+    const auto pages = [](const std::vector<const char *> &locales) {
+        std::string text;
         for (const char *locale : locales)
-            EXPECT_EQ(CodePageOfLocale(locale), page) << locale;
-    }
+            text += std::to_string(CodePageOfLocale(locale)) + " ";
+        return text;
+    };
+    EXPECT_EQ(pages({"", "C", "C.UTF-8", "POSIX", "de_DE.UTF-8", "xx_XX.UTF-8", "s", "de_DE.UTF-8@\xFF"}),
+              "1252 1252 1252 1252 1252 1252 1252 1252 ");
+    EXPECT_EQ(pages({"cs_CZ.UTF-8", "sr_RS@latin", "sr_RS.UTF-8", "uz_UZ.UTF-8@cyrillic", "el_GR.utf8",
+                     "tr_TR.UTF-8"}),
+              "1250 1250 1251 1251 1253 1254 ");
+    EXPECT_EQ(pages({"he_IL.UTF-8", "ar_EG.UTF-8", "lt_LT.UTF-8", "vi_VN.UTF-8", "th_TH.UTF-8"}),
+              "1255 1256 1257 1258 874 ");
+    EXPECT_EQ(pages({"ja_JP.UTF-8", "zh_CN.UTF-8", "ko_KR.UTF-8", "zh_TW.UTF-8", "zh_HK.UTF-8"}),
+              "932 936 949 950 950 ");
+    EXPECT_EQ(pages({"pl_PL.iso88592", "ru_RU.KOI8-R", "ja_JP.eucJP", "ja_JP.SJIS", "bg_BG.CP1251"}),
+              "28592 20866 20932 932 1251 ");
+    EXPECT_EQ(pages({"zh_CN.GB18030", "de_DE.ISO-8859-15@euro"}), "54936 28605 ");
 }
 
 }  // namespace
