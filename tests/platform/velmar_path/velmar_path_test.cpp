@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/collected_log.h"
+
 namespace {
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
@@ -94,16 +96,11 @@ TEST(VelmarLog, PrintsTheForeignNumberFormatAndLongLinesForAHandlerThatMayChange
     for (int i = 0; i < 200; ++i)
         SetVelmarLogHandler(ignore, nullptr);
     writer.join();
-    std::vector<std::string> lines;
-    SetVelmarLogHandler(
-        [](const char *line, void *context) {
-            static_cast<std::vector<std::string> *>(context)->push_back(line);
-        },
-        &lines);
+    const CollectedLog log;
     WriteVelmarLog("total = %I64d, size = %d%%", static_cast<long long>(5000000000), 7);
     WriteVelmarLog("%s", std::string(10000, 'x').c_str());
-    SetVelmarLogHandler(nullptr, nullptr);
-    EXPECT_EQ(lines, (std::vector<std::string>{"total = 5000000000, size = 7%", std::string(10000, 'x')}));
+    EXPECT_EQ(log.Lines(),
+              (std::vector<std::string>{"total = 5000000000, size = 7%", std::string(10000, 'x')}));
 }
 
 }  // namespace

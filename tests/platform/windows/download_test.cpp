@@ -19,15 +19,13 @@ class Server {
   public:
     explicit Server(std::string answer)
         : answer_(std::move(answer)), socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address = {AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
         socklen_t size = sizeof address;
         auto *const generic = reinterpret_cast<sockaddr *>(&address);
         if (bind(socket_, generic, size) != 0 || listen(socket_, 8) != 0)
             ADD_FAILURE() << "no loopback server";
         getsockname(socket_, generic, &size);
-        port_ = ntohs(address.sin_port);
+        url_ = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/icon.png";
         thread_ = std::thread([this] { Run(); });
     }
     ~Server() {
@@ -36,25 +34,21 @@ class Server {
         close(socket_);
     }
 
-    std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/icon.png"; }
+    std::string Url() const { return url_; }
     int connections() const { return connections_; }
 
   private:
     void Run() {
-        while (true) {
-            const int connection = accept(socket_, nullptr, nullptr);
-            if (connection < 0) return;
+        std::array<char, 4096> request;
+        for (int connection; (connection = accept(socket_, nullptr, nullptr)) >= 0; close(connection)) {
             ++connections_;
-            std::array<char, 4096> request;
             static_cast<void>(recv(connection, request.data(), request.size(), 0));
             static_cast<void>(send(connection, answer_.data(), answer_.size(), MSG_NOSIGNAL));
-            close(connection);
         }
     }
 
-    std::string answer_;
+    std::string answer_, url_;
     int socket_;
-    uint16_t port_ = 0;
     std::atomic<int> connections_ = 0;
     std::thread thread_;
 };
