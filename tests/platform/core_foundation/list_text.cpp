@@ -110,10 +110,10 @@ bool WriteFile(const std::string &path, CFPropertyListRef list, CFPropertyListFo
     CFWriteStreamRef stream =
         CFWriteStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
-    if (!CFWriteStreamOpen(stream)) return false;
-    const CFIndex written = CFPropertyListWrite(list, stream, format, 0, nullptr);
+    const bool is_written =
+        CFWriteStreamOpen(stream) && CFPropertyListWrite(list, stream, format, 0, nullptr) > 0;
     CFWriteStreamClose(stream);
-    return written > 0;
+    return is_written;
 }
 
 std::string WriteBytes(CFPropertyListRef list, CFPropertyListFormat format) {

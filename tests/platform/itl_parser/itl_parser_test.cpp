@@ -177,17 +177,15 @@ TEST(ITLParser, ReadsAFileOfAnyNameAndOnlyAWholeOne) {
     const std::string bytes = SmallLibrary(ItlForm12()).Bytes();
     folder.Write("Bücher/iTunes Library.itl", bytes);
     const ITLParser parser((folder.path().string() + "\\Bücher\\iTunes Library.itl").c_str());
-    ASSERT_TRUE(parser.isValid());
-    EXPECT_EQ(parser.persistentId(), "A1B2C3D4E5F60718");
-    EXPECT_EQ(parser.iTunesVersion(), "12.9.4.102");
-    EXPECT_EQ(parser.tracks().size(), 3u);
-    EXPECT_EQ(parser.playlists().size(), 3u);
+    EXPECT_TRUE(parser.isValid());
+    EXPECT_EQ(parser.persistentId() + " " + parser.iTunesVersion(), "A1B2C3D4E5F60718 12.9.4.102");
+    EXPECT_EQ(std::pair(parser.tracks().size(), parser.playlists().size()), std::pair(size_t{3}, size_t{3}));
     for (const std::string &other : {folder.path().string(), folder.path().string() + "/none", std::string(),
                                      folder.Write("cut.itl", bytes.substr(0, 500)).string()}) {
         const ITLParser refused(other.c_str());
         EXPECT_FALSE(refused.isValid()) << other;
-        EXPECT_TRUE(refused.tracks().empty() && refused.playlists().empty());
-        EXPECT_EQ(refused.iTunesVersion(), "");
+        EXPECT_TRUE(refused.tracks().empty() && refused.playlists().empty() &&
+                    refused.iTunesVersion().empty());
     }
 }
 
@@ -249,8 +247,6 @@ TEST(ItlLimits, ATextOfAnyLengthBelowTheLimitIsRead) {
     }
 }
 
-constexpr int kRounds = 4000;
-
 // The length in the envelope put right, so that the damage behind it is met.
 std::string WithLength(std::string bytes) {
     if (bytes.size() >= 12) bytes.replace(8, 4, BigEndian(static_cast<std::uint32_t>(bytes.size())));
@@ -284,37 +280,29 @@ TEST(DamagedItl, OfALargeFileIsRefusedWhereverItLies) {
     EXPECT_EQ(Describe(file.Bytes(sections)), "refused");
 }
 
-// A checksum ends a compressed body: what is read of a damaged one is what was written.
-TEST(DamagedItl, OfTheWholeFileIsNoticedInACompressedBody) {
+// A checksum ends a compressed body: what is read of a damaged one is what was written. In one that is not
+// compressed damage meets the records, most of which may hold anything. The sanitizers are the judges.
+TEST(DamagedItl, OfTheWholeFileIsNoticedInACompressedBodyAndDoesNoHarmInAnother) {
     Damage damage(19040101);
-    for (const ItlForm &form : AllItlForms()) {
+    std::vector<ItlForm> forms = AllItlForms();
+    forms.push_back(ItlForm12());
+    forms.back().compressed = false;
+    forms.back().encryption = 0;
+    for (const ItlForm &form : forms) {
         const std::string bytes = SmallLibrary(form).Bytes();
         const auto body = [&](const std::string &file) {
             return file.substr(std::min<size_t>(form.envelope_header, file.size()));
         };
-        for (int round = 0; round < kRounds / 5; ++round) {
+        int valid = 0;
+        for (int round = 0; round < (form.compressed ? 800 : 2000); ++round) {
             const std::string damaged = WithLength(damage.Of(bytes));
             const std::string text = Describe(damaged);
+            valid += text == "refused" ? 0 : 1;
             if (!form.compressed || text == "refused" || body(damaged) == body(bytes)) continue;
             EXPECT_EQ(text.substr(text.find('\n')), SmallLibraryText(form).substr(form.version.size() + 17));
         }
+        EXPECT_TRUE(form.compressed || (valid > 100 && valid < 2000)) << form.version << " " << valid;
     }
-}
-
-// Damage inside a body that is itself well packed meets the records. The sanitizers are the judges.
-TEST(DamagedItl, OfTheRecordsDoesNoHarm) {
-    Damage damage(20190101);
-    int valid = 0;
-    for (const ItlForm &form : {ItlForm10(), ItlForm12()}) {
-        const ItlFile file = SmallLibrary(form);
-        std::string body;
-        for (const std::string &section : file.Sections())
-            body += section;
-        for (int round = 0; round < kRounds / 2; ++round)
-            valid += ParsedLibrary(file.BytesAround(ItlDeflated(damage.Of(body)), 6)).valid ? 1 : 0;
-    }
-    EXPECT_GT(valid, kRounds / 20) << "most fields may hold anything";
-    EXPECT_LT(valid, kRounds);
 }
 
 }  // namespace

@@ -18,8 +18,7 @@ using Pairs = std::vector<std::pair<std::string, std::string>>;
 Pairs PairsOf(VelmarAttribute *attribute) {
     Pairs pairs;
     for (int32_t i = 0; i < GetVelmarAttributeSize(attribute); ++i) {
-        const char *key = nullptr;
-        const char *value = nullptr;
+        const char *key = nullptr, *value = nullptr;
         EXPECT_EQ(GetVelmarAttributeItem(attribute, i, &key, &value), 0);
         pairs.emplace_back(key, value);
     }

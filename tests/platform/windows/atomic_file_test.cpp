@@ -11,8 +11,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 const std::string kOld = "the old bytes";
 const std::string kNew = std::string(300, 'n') + "end";
 

@@ -10,7 +10,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
 using Names = std::multiset<std::string>;
 
 class FolderSearchTest : public FolderTest {

@@ -10,8 +10,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr FILEOP_FLAGS kMoveFlags =
     FOF_SILENT | FOF_RENAMEONCOLLISION | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR;
 constexpr FILEOP_FLAGS kDeleteFlags = FOF_SILENT | FOF_NOCONFIRMATION;
@@ -21,10 +19,6 @@ int Operate(UINT function, const std::string &from, const std::string &to, FILEO
     SHFILEOPSTRUCTW operation = {nullptr, function, source.c_str(), target.c_str(),
                                  flags,   FALSE,    nullptr,        nullptr};
     return SHFileOperationW(&operation);
-}
-
-int Move(const std::string &from, const fs::path &to, FILEOP_FLAGS flags = kMoveFlags) {
-    return Operate(FO_MOVE, from, to.string(), flags);
 }
 
 int Delete(const std::string &path, FILEOP_FLAGS flags = kDeleteFlags) {
@@ -57,7 +51,7 @@ struct Merge {
         fs::create_directory_symlink("..", from / "album" / "cycle");
     }
 
-    int Run() const { return Move(from.string() + "\\*", to); }
+    int Run() const { return Operate(FO_MOVE, from.string() + "\\*", to.string(), kMoveFlags); }
 };
 
 constexpr const char *kMerged =
@@ -137,13 +131,16 @@ TEST(ShellOperations, ThatAreRefusedChangeNothing) {
     const Merge merge;
     const std::string from = merge.from.string();
     const std::string before = Listing(merge.place.path());
-    EXPECT_EQ(Move(from + "/song.mp3", merge.to, FOF_SILENT), static_cast<int>(ERROR_ALREADY_EXISTS));
-    EXPECT_NE(Move(from + "\\*", merge.from), 0) << "into itself";
-    EXPECT_NE(Move(from, merge.from / "album"), 0) << "below itself";
-    EXPECT_EQ(Move(from + "/absent\\*", merge.to), static_cast<int>(ERROR_PATH_NOT_FOUND));
-    EXPECT_EQ(Move(from + "/absent", merge.to), static_cast<int>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(Move(from + "/empty\\*", merge.to), 0);
-    EXPECT_NE(Move("", merge.to), 0);
+    const auto move = [](const std::string &source, const fs::path &to, FILEOP_FLAGS flags = kMoveFlags) {
+        return Operate(FO_MOVE, source, to.string(), flags);
+    };
+    EXPECT_EQ(move(from + "/song.mp3", merge.to, FOF_SILENT), static_cast<int>(ERROR_ALREADY_EXISTS));
+    EXPECT_TRUE(move(from + "\\*", merge.from) != 0 && move(from, merge.from / "album") != 0)
+        << "into itself";
+    EXPECT_EQ(move(from + "/absent\\*", merge.to), static_cast<int>(ERROR_PATH_NOT_FOUND));
+    EXPECT_EQ(move(from + "/absent", merge.to), static_cast<int>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(move(from + "/empty\\*", merge.to), 0);
+    EXPECT_NE(move("", merge.to), 0);
     for (const char *root : {"\\", "Q:\\"})
         EXPECT_EQ(Delete(root), static_cast<int>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Delete(from + "/absent"), static_cast<int>(ERROR_FILE_NOT_FOUND));

@@ -49,32 +49,29 @@ TEST(Utf8Text, SurrogatesOfWideText) {
     EXPECT_EQ(WideToUtf8(std::wstring{0xD83D}), "\xEF\xBF\xBD");
 }
 
-DWORD ErrorOf(int size) {
-    return size == 0 ? GetLastError() : 0;
-}
-
 TEST(TextConversion, SizesAndTerminators) {
-    std::array<wchar_t, 4> wide;
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "\xC3\xA9z", 3, wide.data(), 4), 2);
-    wide.fill(L'#');
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 3), 3);
-    EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 2)),
-              ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "", 0, wide.data(), 2)), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xFF", -1, wide.data(), 4)),
-              ERROR_NO_UNICODE_TRANSLATION);
-    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
+    std::array<wchar_t, 4> wide = {L'#', L'#', L'#', L'#'};
     std::array<char, 4> narrow;
-    const auto to_narrow = [&](const wchar_t *text, char *target, int room) {
-        return WideCharToMultiByte(CP_UTF8, 0, text, -1, target, room, nullptr, nullptr);
+    const auto to_wide = [&](const char *text, int length, int room, DWORD flags = 0) {
+        return MultiByteToWideChar(CP_UTF8, flags, text, length, wide.data(), room);
     };
-    EXPECT_EQ(to_narrow(L"\x00E9", nullptr, 0), 3);
-    EXPECT_EQ(to_narrow(L"\x00E9", narrow.data(), 3), 3);
+    const auto to_narrow = [&](const wchar_t *text, int room) {
+        return WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow.data(), room, nullptr, nullptr);
+    };
+    const auto error = [](int size) { return size == 0 ? GetLastError() : 0; };
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
+    EXPECT_EQ(to_wide("\xC3\xA9z", -1, 3), 3);
+    EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
+    EXPECT_EQ(to_wide("\xC3\xA9z", 3, 4, MB_ERR_INVALID_CHARS), 2);
+    EXPECT_EQ(error(to_wide("\xC3\xA9z", -1, 2)), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(error(to_wide("", 0, 2)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(error(to_wide("a\xFF", -1, 4, MB_ERR_INVALID_CHARS)), ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, nullptr, 0, nullptr, nullptr), 3);
+    EXPECT_EQ(to_narrow(L"\x00E9", 3), 3);
     EXPECT_STREQ(narrow.data(), "\xC3\xA9");
-    EXPECT_EQ(ErrorOf(to_narrow(L"\x00E9", narrow.data(), 2)), ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(to_narrow(nullptr, narrow.data(), 2), 0);
+    EXPECT_EQ(error(to_narrow(L"\x00E9", 2)), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(to_narrow(nullptr, 2), 0);
 }
 
 TEST(AnsiText, EveryByteOfTheSingleByteCodePagesComesBack) {
