@@ -1,8 +1,6 @@
 """Reads every sample with Python's plistlib and with describe_list; both must see the same list.
 
-usage: compare_with_plistlib.py DESCRIBE_LIST SAMPLES_FOLDER
-
-Results: 0 all equal, 1 a difference, 77 no samples to compare.
+Arguments: DESCRIBE_LIST SAMPLES_FOLDER. Results: 0 all equal, 1 a difference, 77 no samples to compare.
 """
 import datetime
 import gzip
@@ -48,6 +46,8 @@ def main():
         try:
             expected = plistlib.loads(data)
         except Exception:  # plistlib lets errors of its parsers through, each of its own class
+            expected = None
+        if expected is None:
             continue
         with tempfile.NamedTemporaryFile() as unpacked:
             pathlib.Path(unpacked.name).write_bytes(data)

@@ -11,8 +11,7 @@
 
 namespace {
 
-const std::string kOld = "the old bytes";
-const std::string kNew = std::string(300, 'n') + "end";
+const std::string kOld = "the old bytes", kNew = std::string(300, 'n') + "end";
 
 bool ReplaceFile(const fs::path &path) {
     std::optional<AtomicFile> file = AtomicFile::Create(path.string());

@@ -50,18 +50,14 @@ TEST_F(FileCalls, RefusesNamesThatWindowsCannotHold) {
     EXPECT_TRUE(fs::exists(Native("\xFE")));
 }
 
-TEST_F(FileCalls, FoldersAndPipesAreNoFiles) {
-    fs::create_directory(Native("folder"));
-    ASSERT_EQ(mkfifo(Native("pipe").c_str(), 0600), 0);
-    for (const wchar_t *mode : {L"rb", L"wb", L"r+b"})
-        EXPECT_FALSE(Opens("folder", mode) || Opens("pipe", mode));
-    EXPECT_EQ(ErrnoOf(_wremove(Wide("folder").c_str())), EACCES);
-}
-
-TEST_F(FileCalls, StatusAndAccess) {
+TEST_F(FileCalls, StatusAndAccessOfFilesAndOfWhatIsNone) {
     folder_.Write("Song", "12345");
     fs::create_directory(Native("dir"));
     fs::create_symlink("absent", Native("nowhere"));
+    ASSERT_EQ(mkfifo(Native("pipe").c_str(), 0600), 0);
+    for (const wchar_t *mode : {L"rb", L"wb", L"r+b"})
+        EXPECT_FALSE(Opens("dir", mode) || Opens("pipe", mode)) << "no files";
+    EXPECT_EQ(ErrnoOf(_wremove(Wide("dir").c_str())), EACCES);
     struct __stat64 status;
     ASSERT_EQ(_wstat64(Wide("song").c_str(), &status), 0);
     EXPECT_EQ(status.st_size, 5);
