@@ -50,7 +50,8 @@ TEST(Numbers, GiveWholeSigned64BitValuesOnly) {
             CFNumberGetValue(static_cast<CFNumberRef>(number.get()), kCFNumberSInt64Type, &value);
         return is_given == (value == -99) ? "wrong" : is_given ? std::to_string(value) : "none";
     };
-    EXPECT_EQ(read("<integer>-5</integer>") + read("<real>7.0</real>"), "-57");
+    EXPECT_EQ(read("<integer>-5</integer>"), "-5");
+    EXPECT_EQ(read("<real>7.0</real>"), "7");
     EXPECT_EQ(read("<real>-9223372036854775808</real>"), "-9223372036854775808");
     for (const char *text : {"<real>9223372036854775808</real>", "<integer>9223372036854775808</integer>",
                              "<real>2.5</real>", "<real>nan</real>", "<real>inf</real>"})
