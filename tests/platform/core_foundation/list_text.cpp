@@ -26,7 +26,7 @@ std::string Quoted(std::string_view text) {
     std::string out;
     for (const char byte : text) {
         const bool is_plain = byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
-        out += is_plain ? std::string(1, byte) : Print("\\x%02x", static_cast<unsigned char>(byte));
+        out += Print(is_plain ? "%c" : "\\x%02x", static_cast<unsigned char>(byte));
     }
     return '"' + out + '"';
 }
@@ -110,10 +110,10 @@ bool WriteFile(const std::string &path, CFPropertyListRef list, CFPropertyListFo
     CFWriteStreamRef stream =
         CFWriteStreamCreateWithFile(kCFAllocatorDefault, static_cast<CFURLRef>(url.get()));
     const Owned owned_stream(stream);
-    if (!CFWriteStreamOpen(stream)) return false;
-    const CFIndex written = CFPropertyListWrite(list, stream, format, 0, nullptr);
+    const bool is_written =
+        CFWriteStreamOpen(stream) && CFPropertyListWrite(list, stream, format, 0, nullptr) > 0;
     CFWriteStreamClose(stream);
-    return written > 0;
+    return is_written;
 }
 
 std::string WriteBytes(CFPropertyListRef list, CFPropertyListFormat format) {
@@ -135,7 +135,7 @@ std::string Utf16(std::string_view text, bool big_endian) {
 
 std::string Repeat(std::string_view text, size_t count) {
     std::string repeated;
-    for (size_t i = 0; i < count; ++i)
+    while (count-- > 0)
         repeated += text;
     return repeated;
 }

@@ -25,13 +25,7 @@ namespace fs = std::filesystem;
 struct ParsedLibrary : core_foundation::MemorySource {
     explicit ParsedLibrary(const std::string &bytes)
         : MemorySource(bytes), valid(itl_parser::ReadLibrary(*this, bytes.size(), content)) {}
-    std::optional<size_t> Read(char *buffer, size_t size) override {
-        const auto got = MemorySource::Read(buffer, size);
-        bytes_read += got.value_or(0);
-        return got;
-    }
 
-    size_t bytes_read = 0;  // of the file
     itl_parser::LibraryContent content;
     bool valid;
 };
@@ -82,11 +76,9 @@ ItlFile SmallLibrary(const ItlForm &form) {
                    .album = 7});
     file.AddTrack({.id = 102,
                    .texts = {{kItlName, "na\xEFve", 0}, {kItlAlbum, "Blue"}},
-                   .size = 0x80000000,
-                   .total_time = 2843833152,
                    .sample_rate = -1,
                    .album = 7});
-    file.AddTrack({.id = 103, .rating = 20, .album = 7});
+    file.AddTrack({.id = 103, .size = 0x80000000, .total_time = 2843833152, .rating = 20, .album = 7});
     file.AddAlbum(9, 100);
     file.AddAlbum(7, 60);
     file.AddPlaylist({.name = "####!####", .id = 901, .master = true, .items = {101, 102, 103}});
@@ -104,8 +96,8 @@ std::string SmallLibraryText(const ItlForm &form) {
     return form.version +
            " A1B2C3D4E5F60718\n101|Café|Blue|東京 😀|Rock|naïve|file://localhost/C:/Music/Caf%C3%A9.mp3|"
            "3422000000|4000000|180000|256|44100|80|1122334455667788|3\n"
-           "102|naïve|Blue|||||0|-1|0|0|0|" +
-           album_rating + "|0000000000000000|0\n103|||||||0|0|0|0|0|20|0000000000000000|0\n####!####||" +
+           "102|naïve|Blue|||||0|0|0|0|0|" +
+           album_rating + "|0000000000000000|0\n103|||||||0|-1|0|0|0|20|0000000000000000|0\n####!####||" +
            id(0) + "|0: 101 102 103\nMusic|AQID|" + id(1) + "|" + kind + ": 102\nЖ||" + id(2) +
            "|0: 103 101 103 999\n";
 }
@@ -149,8 +141,8 @@ TEST(ItlForms, WhatIsNotUnderstoodIsRefused) {
         return file.Section(1, section.replace(8, 4, LittleEndian(count)));
     };
     EXPECT_NE(with(2, track_list(3, "")), "refused");
-    EXPECT_EQ(with(2, track_list(2, "")), "refused") << "a track too many";
-    EXPECT_EQ(with(2, track_list(4, "")), "refused") << "a track too few";
+    for (const std::uint32_t count : {2u, 4u})
+        EXPECT_EQ(with(2, track_list(count, "")), "refused") << "a track too many or too few";
     EXPECT_EQ(with(2, track_list(3, "x")), "refused") << "a rest behind the tracks";
     EXPECT_EQ(with(2, file.Section(8, "")), "refused") << "no tracks";
     EXPECT_EQ(with(4, file.Section(8, "")), "refused") << "no lists";
@@ -185,17 +177,15 @@ TEST(ITLParser, ReadsAFileOfAnyNameAndOnlyAWholeOne) {
     const std::string bytes = SmallLibrary(ItlForm12()).Bytes();
     folder.Write("Bücher/iTunes Library.itl", bytes);
     const ITLParser parser((folder.path().string() + "\\Bücher\\iTunes Library.itl").c_str());
-    ASSERT_TRUE(parser.isValid());
-    EXPECT_EQ(parser.persistentId(), "A1B2C3D4E5F60718");
-    EXPECT_EQ(parser.iTunesVersion(), "12.9.4.102");
-    EXPECT_EQ(parser.tracks().size(), 3u);
-    EXPECT_EQ(parser.playlists().size(), 3u);
+    EXPECT_TRUE(parser.isValid());
+    EXPECT_EQ(parser.persistentId() + " " + parser.iTunesVersion(), "A1B2C3D4E5F60718 12.9.4.102");
+    EXPECT_EQ(std::pair(parser.tracks().size(), parser.playlists().size()), std::pair(size_t{3}, size_t{3}));
     for (const std::string &other : {folder.path().string(), folder.path().string() + "/none", std::string(),
                                      folder.Write("cut.itl", bytes.substr(0, 500)).string()}) {
         const ITLParser refused(other.c_str());
         EXPECT_FALSE(refused.isValid()) << other;
-        EXPECT_TRUE(refused.tracks().empty() && refused.playlists().empty());
-        EXPECT_EQ(refused.iTunesVersion(), "");
+        EXPECT_TRUE(refused.tracks().empty() && refused.playlists().empty() &&
+                    refused.iTunesVersion().empty());
     }
 }
 
@@ -219,9 +209,9 @@ TEST(ItlLimits, ABodyThatExpandsTooFarIsGivenUpEarly) {
     EXPECT_TRUE(ParsedLibrary(file.Bytes(sections)).valid) << "a small body may be as empty as it likes";
     sections.push_back(file.Section(4, Zeros(size_t{256} << 20)));
     const std::string bytes = file.Bytes(sections);
-    const ParsedLibrary library(bytes);
+    ParsedLibrary library(bytes);
     EXPECT_FALSE(library.valid);
-    EXPECT_LT(library.bytes_read, bytes.size() / 2);
+    EXPECT_GT(library.Read(std::string(bytes).data(), bytes.size()), bytes.size() / 2) << "what was not read";
 }
 
 // What does not compress.
@@ -257,8 +247,6 @@ TEST(ItlLimits, ATextOfAnyLengthBelowTheLimitIsRead) {
     }
 }
 
-constexpr int kRounds = 4000;
-
 // The length in the envelope put right, so that the damage behind it is met.
 std::string WithLength(std::string bytes) {
     if (bytes.size() >= 12) bytes.replace(8, 4, BigEndian(static_cast<std::uint32_t>(bytes.size())));
@@ -269,9 +257,8 @@ TEST(DamagedItl, NoCutIsTaken) {
     for (const ItlForm &form : AllItlForms()) {
         const std::string bytes = SmallLibrary(form).Bytes();
         for (size_t length = 0; length < bytes.size(); ++length) {
-            const std::string cut = bytes.substr(0, length);
-            ASSERT_EQ(Describe(cut), "refused") << form.version << " " << length;
-            ASSERT_EQ(Describe(WithLength(cut)), "refused") << form.version << " " << length;
+            for (const std::string &cut : {bytes.substr(0, length), WithLength(bytes.substr(0, length))})
+                ASSERT_EQ(Describe(cut), "refused") << form.version << " " << length;
         }
         EXPECT_EQ(Describe(bytes + "x"), "refused") << form.version;
     }
@@ -292,37 +279,29 @@ TEST(DamagedItl, OfALargeFileIsRefusedWhereverItLies) {
     EXPECT_EQ(Describe(file.Bytes(sections)), "refused");
 }
 
-// A checksum ends a compressed body: what is read of a damaged one is what was written.
-TEST(DamagedItl, OfTheWholeFileIsNoticedInACompressedBody) {
+// A checksum ends a compressed body: what is read of a damaged one is what was written. In one that is not
+// compressed damage meets the records, most of which may hold anything. The sanitizers are the judges.
+TEST(DamagedItl, OfTheWholeFileIsNoticedInACompressedBodyAndDoesNoHarmInAnother) {
     Damage damage(19040101);
-    for (const ItlForm &form : AllItlForms()) {
+    std::vector<ItlForm> forms = AllItlForms();
+    forms.push_back(ItlForm12());
+    forms.back().compressed = false;
+    forms.back().encryption = 0;
+    for (const ItlForm &form : forms) {
         const std::string bytes = SmallLibrary(form).Bytes();
         const auto body = [&](const std::string &file) {
             return file.substr(std::min<size_t>(form.envelope_header, file.size()));
         };
-        for (int round = 0; round < kRounds / 5; ++round) {
+        int valid = 0;
+        for (int round = 0; round < (form.compressed ? 800 : 2000); ++round) {
             const std::string damaged = WithLength(damage.Of(bytes));
             const std::string text = Describe(damaged);
+            valid += text == "refused" ? 0 : 1;
             if (!form.compressed || text == "refused" || body(damaged) == body(bytes)) continue;
             EXPECT_EQ(text.substr(text.find('\n')), SmallLibraryText(form).substr(form.version.size() + 17));
         }
+        EXPECT_TRUE(form.compressed || (valid > 100 && valid < 2000)) << form.version << " " << valid;
     }
-}
-
-// Damage inside a body that is itself well packed meets the records. The sanitizers are the judges.
-TEST(DamagedItl, OfTheRecordsDoesNoHarm) {
-    Damage damage(20190101);
-    int valid = 0;
-    for (const ItlForm &form : {ItlForm10(), ItlForm12()}) {
-        const ItlFile file = SmallLibrary(form);
-        std::string body;
-        for (const std::string &section : file.Sections())
-            body += section;
-        for (int round = 0; round < kRounds / 2; ++round)
-            valid += ParsedLibrary(file.BytesAround(ItlDeflated(damage.Of(body)), 6)).valid ? 1 : 0;
-    }
-    EXPECT_GT(valid, kRounds / 20) << "most fields may hold anything";
-    EXPECT_LT(valid, kRounds);
 }
 
 }  // namespace

@@ -19,15 +19,13 @@ class Server {
   public:
     explicit Server(std::string answer)
         : answer_(std::move(answer)), socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address = {AF_INET, 0, {htonl(INADDR_LOOPBACK)}, {}};
         socklen_t size = sizeof address;
         auto *const generic = reinterpret_cast<sockaddr *>(&address);
         if (bind(socket_, generic, size) != 0 || listen(socket_, 8) != 0)
             ADD_FAILURE() << "no loopback server";
         getsockname(socket_, generic, &size);
-        port_ = ntohs(address.sin_port);
+        url_ = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/icon.png";
         thread_ = std::thread([this] { Run(); });
     }
     ~Server() {
@@ -35,28 +33,22 @@ class Server {
         thread_.join();
         close(socket_);
     }
-    Server(const Server &) = delete;
-    Server &operator=(const Server &) = delete;
 
-    std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/icon.png"; }
+    std::string Url() const { return url_; }
     int connections() const { return connections_; }
 
   private:
     void Run() {
-        while (true) {
-            const int connection = accept(socket_, nullptr, nullptr);
-            if (connection < 0) return;
+        std::array<char, 4096> request;
+        for (int connection; (connection = accept(socket_, nullptr, nullptr)) >= 0; close(connection)) {
             ++connections_;
-            std::array<char, 4096> request;
             static_cast<void>(recv(connection, request.data(), request.size(), 0));
             static_cast<void>(send(connection, answer_.data(), answer_.size(), MSG_NOSIGNAL));
-            close(connection);
         }
     }
 
-    std::string answer_;
+    std::string answer_, url_;
     int socket_;
-    uint16_t port_ = 0;
     std::atomic<int> connections_ = 0;
     std::thread thread_;
 };
@@ -70,8 +62,6 @@ class Download : public FolderTest {
     HRESULT Fetch(const std::string &url) const {
         return URLDownloadToFileW(nullptr, Utf8ToWide(url).c_str(), Wide("ICON.jpg").c_str(), 0, nullptr);
     }
-    std::string Files() const { return Listing(folder_.path()); }
-
     ScopedEnvironment no_proxy_{"no_proxy", "127.0.0.1"};
 };
 
@@ -79,11 +69,11 @@ TEST_F(Download, WritesTheTargetAndFollowsARedirectionToHttp) {
     const std::string picture("\x89PNG\0\r\n", 7);
     const Server server(Answer("200 OK", "Content-Length: 7\r\n", picture));
     EXPECT_EQ(Fetch(server.Url()), S_OK);
-    EXPECT_EQ(Files(), "ICON.jpg=" + picture + ";");
+    EXPECT_EQ(All(), "ICON.jpg=" + picture + ";");
     const Server other(Answer("200 OK", "Content-Length: 3\r\n", "png"));
     const Server redirection(Answer("302 Found", "Location: " + other.Url() + "\r\n", ""));
     EXPECT_EQ(Fetch(redirection.Url()), S_OK);
-    EXPECT_EQ(Files(), "ICON.jpg=png;");
+    EXPECT_EQ(All(), "ICON.jpg=png;");
 }
 
 TEST_F(Download, FailuresLeaveNoFileOrTheOldOne) {
@@ -98,18 +88,18 @@ TEST_F(Download, FailuresLeaveNoFileOrTheOldOne) {
         SCOPED_TRACE(answer.substr(0, 100));
         const Server server(answer);
         EXPECT_TRUE(FAILED(Fetch(server.Url())));
-        EXPECT_EQ(Files(), "");
+        EXPECT_EQ(All(), "");
         folder_.Write("icon.jpg", "old");
         EXPECT_TRUE(FAILED(Fetch(server.Url())));
-        EXPECT_EQ(Files(), "icon.jpg=old;");
+        EXPECT_EQ(All(), "icon.jpg=old;");
         EXPECT_GE(server.connections(), 2);
         EXPECT_LE(server.connections(), answer.find("/again") == std::string::npos ? 2 : 30);
         std::filesystem::remove(Native("icon.jpg"));
     }
     for (const std::string &url :
-         {secret, std::string("ftp://127.0.0.1/x"), std::string("no url"), std::string()})
+         std::initializer_list<std::string>{secret, "ftp://127.0.0.1/x", "no url", ""})
         EXPECT_TRUE(FAILED(Fetch(url))) << url;
-    EXPECT_EQ(Files(), "");
+    EXPECT_EQ(All(), "");
 }
 
 }  // namespace

@@ -8,10 +8,11 @@
 #include "platform/windows/text.h"
 #include "tests/support/folder_contents.h"
 
+namespace fs = std::filesystem;
 using Contents = std::map<std::string, std::string>;
 
 // FolderContents as one text, "name=value" and a semicolon for each entry.
-inline std::string Listing(const std::filesystem::path &folder) {
+inline std::string Listing(const fs::path &folder) {
     std::string listing;
     for (const auto &[name, value] : FolderContents(folder))
         listing.append(name).append("=").append(value).append(";");
@@ -25,6 +26,7 @@ class FolderTest : public testing::Test {
     std::wstring Wide(const std::string &name) const {
         return Utf8ToWide(folder_.path().string() + "\\" + name);
     }
+    std::string All() const { return Listing(folder_.path()); }
 
     TempFolder folder_;
 };

@@ -5,8 +5,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 class NativePathTest : public FolderTest {
   protected:
     void ExpectResolved(const std::string &windows_name, const std::string &native_name) const {

@@ -10,22 +10,15 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr FILEOP_FLAGS kMoveFlags =
     FOF_SILENT | FOF_RENAMEONCOLLISION | FOF_NOCONFIRMATION | FOF_NOCONFIRMMKDIR;
 constexpr FILEOP_FLAGS kDeleteFlags = FOF_SILENT | FOF_NOCONFIRMATION;
 
 int Operate(UINT function, const std::string &from, const std::string &to, FILEOP_FLAGS flags) {
-    const std::wstring sources = Utf8ToWide(from) + L'\0';
-    const std::wstring target = Utf8ToWide(to) + L'\0';
-    SHFILEOPSTRUCTW operation = {nullptr, function, sources.c_str(), target.c_str(),
-                                 flags,   FALSE,    nullptr,         nullptr};
+    const std::wstring source = Utf8ToWide(from) + L'\0', target = Utf8ToWide(to) + L'\0';
+    SHFILEOPSTRUCTW operation = {nullptr, function, source.c_str(), target.c_str(),
+                                 flags,   FALSE,    nullptr,        nullptr};
     return SHFileOperationW(&operation);
-}
-
-int Move(const std::string &from, const fs::path &to, FILEOP_FLAGS flags = kMoveFlags) {
-    return Operate(FO_MOVE, from, to.string(), flags);
 }
 
 int Delete(const std::string &path, FILEOP_FLAGS flags = kDeleteFlags) {
@@ -58,7 +51,7 @@ struct Merge {
         fs::create_directory_symlink("..", from / "album" / "cycle");
     }
 
-    int Run() const { return Move(from.string() + "\\*", to); }
+    int Run() const { return Operate(FO_MOVE, from.string() + "\\*", to.string(), kMoveFlags); }
 };
 
 constexpr const char *kMerged =
@@ -67,10 +60,8 @@ constexpr const char *kMerged =
     "caf\xC3\xA9 (2)=coffee of from;cover.jpg=cover of to;empty=/;link=-> ../elsewhere;"
     "name \xFF=no UTF-8;song (2).mp3=second song of to;song (3).mp3=song of from;song.mp3=song of to;";
 
-enum class System { kUsual, kFolderIsFileSystem, kNoRenameFlags };
-
 TEST(ShellMove, MergesFoldersOnAnySystemAndKeepsTimesAndPermissions) {
-    for (const System system : {System::kUsual, System::kFolderIsFileSystem, System::kNoRenameFlags}) {
+    for (const auto &[across, no_rename_flags] : {std::pair(false, false), {true, false}, {false, true}}) {
         const Merge merge;
         const fs::file_time_type time = fs::file_time_type::clock::now() - std::chrono::hours(1000);
         for (const char *name : {"song.mp3", "album"}) {
@@ -80,8 +71,8 @@ TEST(ShellMove, MergesFoldersOnAnySystemAndKeepsTimesAndPermissions) {
         {
             std::optional<FoldersAreFileSystems> separated;
             std::optional<RenameFlagsUnknown> unknown;
-            if (system == System::kFolderIsFileSystem) separated.emplace();
-            if (system == System::kNoRenameFlags) unknown.emplace();
+            if (across) separated.emplace();
+            if (no_rename_flags) unknown.emplace();
             EXPECT_EQ(merge.Run(), 0);
         }
         EXPECT_EQ(Listing(merge.to), kMerged);
@@ -140,15 +131,18 @@ TEST(ShellOperations, ThatAreRefusedChangeNothing) {
     const Merge merge;
     const std::string from = merge.from.string();
     const std::string before = Listing(merge.place.path());
-    EXPECT_EQ(Move(from + "/song.mp3", merge.to, FOF_SILENT), static_cast<int>(ERROR_ALREADY_EXISTS));
-    EXPECT_NE(Move(from + "\\*", merge.from), 0) << "into itself";
-    EXPECT_NE(Move(from, merge.from / "album"), 0) << "below itself";
-    EXPECT_EQ(Move(from + "/absent\\*", merge.to), static_cast<int>(ERROR_PATH_NOT_FOUND));
-    EXPECT_EQ(Move(from + "/absent", merge.to), static_cast<int>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(Move(from + "/empty\\*", merge.to), 0);
-    EXPECT_NE(Move("", merge.to), 0);
-    EXPECT_EQ(Delete("\\"), static_cast<int>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(Delete("Q:\\"), static_cast<int>(ERROR_INVALID_PARAMETER));
+    const auto move = [](const std::string &source, const fs::path &to, FILEOP_FLAGS flags = kMoveFlags) {
+        return Operate(FO_MOVE, source, to.string(), flags);
+    };
+    EXPECT_EQ(move(from + "/song.mp3", merge.to, FOF_SILENT), static_cast<int>(ERROR_ALREADY_EXISTS));
+    EXPECT_TRUE(move(from + "\\*", merge.from) != 0 && move(from, merge.from / "album") != 0)
+        << "into itself";
+    EXPECT_EQ(move(from + "/absent\\*", merge.to), static_cast<int>(ERROR_PATH_NOT_FOUND));
+    EXPECT_EQ(move(from + "/absent", merge.to), static_cast<int>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(move(from + "/empty\\*", merge.to), 0);
+    EXPECT_NE(move("", merge.to), 0);
+    for (const char *root : {"\\", "Q:\\"})
+        EXPECT_EQ(Delete(root), static_cast<int>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(Delete(from + "/absent"), static_cast<int>(ERROR_FILE_NOT_FOUND));
     EXPECT_NE(Delete(from, kDeleteFlags | FOF_ALLOWUNDO), 0);
     EXPECT_EQ(Listing(merge.place.path()), before);

@@ -43,37 +43,35 @@ TEST(Utf8Text, EveryShortTextDecodesAsTheReferenceAndComesBack) {
 }
 
 TEST(Utf8Text, SurrogatesOfWideText) {
-    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, 0xDC80}), "\xF0\x9F\x92\x80");
-    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D, L'z'}), "\xEF\xBF\xBDz");
-    EXPECT_EQ(WideToUtf8(std::wstring{0xDE00}), "\xEF\xBF\xBD");
-    EXPECT_EQ(WideToUtf8(std::wstring{static_cast<wchar_t>(0x110000)}), "\xEF\xBF\xBD");
-}
-
-DWORD ErrorOf(int size) {
-    return size == 0 ? GetLastError() : 0;
+    const std::wstring wide = {0xD83D, 0xDE00, 0xD83D, 0xDC80,
+                               0xD83D, L'z',   0xDE00, static_cast<wchar_t>(0x110000)};
+    EXPECT_EQ(WideToUtf8(wide), "\xF0\x9F\x98\x80\xF0\x9F\x92\x80\xEF\xBF\xBDz\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(WideToUtf8(std::wstring{0xD83D}), "\xEF\xBF\xBD");
 }
 
 TEST(TextConversion, SizesAndTerminators) {
-    std::array<wchar_t, 4> wide;
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "\xC3\xA9z", 3, wide.data(), 4), 2);
-    wide.fill(L'#');
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 3), 3);
-    EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, wide.data(), 2)),
-              ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, 0, "", 0, wide.data(), 2)), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(ErrorOf(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xFF", -1, wide.data(), 4)),
-              ERROR_NO_UNICODE_TRANSLATION);
-    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
+    std::array<wchar_t, 4> wide = {L'#', L'#', L'#', L'#'};
     std::array<char, 4> narrow;
+    const auto to_wide = [&](const char *text, int length, int room, DWORD flags = 0) {
+        return MultiByteToWideChar(CP_UTF8, flags, text, length, wide.data(), room);
+    };
+    const auto to_narrow = [&](const wchar_t *text, int room) {
+        return WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow.data(), room, nullptr, nullptr);
+    };
+    const auto error = [](int size) { return size == 0 ? GetLastError() : 0; };
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xC3\xA9z", -1, nullptr, 0), 3);
+    EXPECT_EQ(to_wide("\xC3\xA9z", -1, 3), 3);
+    EXPECT_EQ(std::wstring(wide.data(), 4), std::wstring(L"\x00E9z\0#", 4));
+    EXPECT_EQ(to_wide("\xC3\xA9z", 3, 4, MB_ERR_INVALID_CHARS), 2);
+    EXPECT_EQ(error(to_wide("\xC3\xA9z", -1, 2)), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(error(to_wide("", 0, 2)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(error(to_wide("a\xFF", -1, 4, MB_ERR_INVALID_CHARS)), ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
     EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, nullptr, 0, nullptr, nullptr), 3);
-    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 3, nullptr, nullptr), 3);
+    EXPECT_EQ(to_narrow(L"\x00E9", 3), 3);
     EXPECT_STREQ(narrow.data(), "\xC3\xA9");
-    EXPECT_EQ(ErrorOf(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, narrow.data(), 2, nullptr, nullptr)),
-              ERROR_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, nullptr, -1, narrow.data(), 2, nullptr, nullptr), 0);
+    EXPECT_EQ(error(to_narrow(L"\x00E9", 2)), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(to_narrow(nullptr, 2), 0);
 }
 
 TEST(AnsiText, EveryByteOfTheSingleByteCodePagesComesBack) {
@@ -83,12 +81,12 @@ TEST(AnsiText, EveryByteOfTheSingleByteCodePagesComesBack) {
             wchar_t wide = 0;
             char back = 0;
             BOOL defaulted = FALSE;
-            ASSERT_EQ(MultiByteToWideChar(page, 0, &text, 1, &wide, 1), 1) << page << " " << byte;
-            ASSERT_EQ(WideCharToMultiByte(page, 0, &wide, 1, &back, 1, nullptr, &defaulted), 1)
-                << page << " " << byte;
+            SCOPED_TRACE(std::to_string(page) + " " + std::to_string(byte));
+            ASSERT_EQ(MultiByteToWideChar(page, 0, &text, 1, &wide, 1), 1);
+            ASSERT_EQ(WideCharToMultiByte(page, 0, &wide, 1, &back, 1, nullptr, &defaulted), 1);
             const bool undefined = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, &text, 1, &wide, 1) == 0;
-            EXPECT_EQ(defaulted != FALSE, undefined) << page << " " << byte;
-            EXPECT_EQ(back, undefined ? '?' : text) << page << " " << byte;
+            EXPECT_EQ(defaulted != FALSE, undefined);
+            EXPECT_EQ(back, undefined ? '?' : text);
         }
     }
 }
@@ -103,52 +101,38 @@ TEST(AnsiText, GoesByTheLocale) {
 }
 
 TEST(AnsiText, MultiByteAndCombiningCodePages) {
-    std::array<wchar_t, 8> wide;
-    EXPECT_EQ(MultiByteToWideChar(932, 0, "\x93\xFA\x96{", 4, wide.data(), 8), 2);
-    EXPECT_EQ(std::wstring(wide.data(), 2), L"\x65E5\x672C");
-    // A lead byte without its second byte ends the text.
-    EXPECT_EQ(MultiByteToWideChar(932, 0, "a\x93", 2, wide.data(), 8), 2);
-    EXPECT_EQ(std::wstring(wide.data(), 2), L"a\x0093");
-    // A letter that still waits for a mark stands before what cannot be converted.
-    EXPECT_EQ(MultiByteToWideChar(1258, 0, "e\xD2z", 3, wide.data(), 8), 2);
-    EXPECT_EQ(std::wstring(wide.data(), 2), L"\x1EBBz");
+    const auto decoded = [](UINT page, const std::string &text) {
+        std::wstring wide(8, L'#');
+        const int size =
+            MultiByteToWideChar(page, 0, text.data(), static_cast<int>(text.size()), wide.data(), 8);
+        return wide.substr(0, static_cast<size_t>(size));
+    };
+    EXPECT_EQ(decoded(932, "\x93\xFA\x96{"), L"\x65E5\x672C");
+    EXPECT_EQ(decoded(932, "a\x93"), L"a\x0093") << "a lead byte without its second byte ends the text";
+    EXPECT_EQ(decoded(1258, "e\xD2z"), L"\x1EBBz")
+        << "a letter that still waits for a mark stands before what cannot be converted";
     EXPECT_EQ(AnsiFromWide(L""), "");
 }
 
 TEST(CodePageOfLocale, LanguagesAndCharacterSets) {
-    const std::pair<const char *, UINT> cases[] = {{"", 1252},
-                                                   {"C", 1252},
-                                                   {"C.UTF-8", 1252},
-                                                   {"POSIX", 1252},
-                                                   {"de_DE.UTF-8", 1252},
-                                                   {"cs_CZ.UTF-8", 1250},
-                                                   {"sr_RS@latin", 1250},
-                                                   {"sr_RS.UTF-8", 1251},
-                                                   {"el_GR.utf8", 1253},
-                                                   {"tr_TR.UTF-8", 1254},
-                                                   {"he_IL.UTF-8", 1255},
-                                                   {"ar_EG.UTF-8", 1256},
-                                                   {"lt_LT.UTF-8", 1257},
-                                                   {"vi_VN.UTF-8", 1258},
-                                                   {"th_TH.UTF-8", 874},
-                                                   {"ja_JP.UTF-8", 932},
-                                                   {"zh_CN.UTF-8", 936},
-                                                   {"zh_TW.UTF-8", 950},
-                                                   {"zh_HK.UTF-8", 950},
-                                                   {"ko_KR.UTF-8", 949},
-                                                   {"xx_XX.UTF-8", 1252},
-                                                   {"s", 1252},
-                                                   {"pl_PL.iso88592", 28592},
-                                                   {"ru_RU.KOI8-R", 20866},
-                                                   {"ja_JP.eucJP", 20932},
-                                                   {"ja_JP.SJIS", 932},
-                                                   {"bg_BG.CP1251", 1251},
-                                                   {"zh_CN.GB18030", 54936},
-                                                   {"uz_UZ.UTF-8@cyrillic", 1251},
-                                                   {"de_DE.UTF-8@\xFF", 1252},
-                                                   {"de_DE.ISO-8859-15@euro", 28605}};
-    for (const auto &[locale, page] : cases)
-        EXPECT_EQ(CodePageOfLocale(locale), page) << locale;
+    const auto pages = [](const std::vector<const char *> &locales) {
+        std::string text;
+        for (const char *locale : locales)
+            text += std::to_string(CodePageOfLocale(locale)) + " ";
+        return text;
+    };
+    EXPECT_EQ(pages({"", "C", "C.UTF-8", "POSIX", "de_DE.UTF-8", "xx_XX.UTF-8", "s", "de_DE.UTF-8@\xFF"}),
+              "1252 1252 1252 1252 1252 1252 1252 1252 ");
+    EXPECT_EQ(pages({"cs_CZ.UTF-8", "sr_RS@latin", "sr_RS.UTF-8", "uz_UZ.UTF-8@cyrillic", "el_GR.utf8",
+                     "tr_TR.UTF-8"}),
+              "1250 1250 1251 1251 1253 1254 ");
+    EXPECT_EQ(pages({"he_IL.UTF-8", "ar_EG.UTF-8", "lt_LT.UTF-8", "vi_VN.UTF-8", "th_TH.UTF-8"}),
+              "1255 1256 1257 1258 874 ");
+    EXPECT_EQ(pages({"ja_JP.UTF-8", "zh_CN.UTF-8", "ko_KR.UTF-8", "zh_TW.UTF-8", "zh_HK.UTF-8"}),
+              "932 936 949 950 950 ");
+    EXPECT_EQ(pages({"pl_PL.iso88592", "ru_RU.KOI8-R", "ja_JP.eucJP", "ja_JP.SJIS", "bg_BG.CP1251"}),
+              "28592 20866 20932 932 1251 ");
+    EXPECT_EQ(pages({"zh_CN.GB18030", "de_DE.ISO-8859-15@euro"}), "54936 28605 ");
 }
 
 }  // namespace
