@@ -65,7 +65,8 @@ TEST(TextConversion, SizesAndTerminators) {
     EXPECT_EQ(to_wide("\xC3\xA9z", 3, 4, MB_ERR_INVALID_CHARS), 2);
     EXPECT_EQ(error(to_wide("\xC3\xA9z", -1, 2)), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(error(to_wide("", 0, 2)), ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(error(to_wide("a\xFF", -1, 4, MB_ERR_INVALID_CHARS)), ERROR_NO_UNICODE_TRANSLATION);
+    for (const char *broken : {"a\x80", "a\xFF"})
+        EXPECT_EQ(error(to_wide(broken, -1, 4, MB_ERR_INVALID_CHARS)), ERROR_NO_UNICODE_TRANSLATION);
     EXPECT_EQ(MultiByteToWideChar(4711, 0, "a", -1, wide.data(), 4), 0);
     EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"\x00E9", -1, nullptr, 0, nullptr, nullptr), 3);
     EXPECT_EQ(to_narrow(L"\x00E9", 3), 3);
