@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <map>
 #include <random>
 #include <string>
 #include <tuple>
@@ -75,6 +77,31 @@ TEST_F(ArtworkFile, WhatIsNoCacheFileMakesNoThumbnails) {
     EXPECT_EQ(load(AddThumb("gone", Location("gone.itc"))), -1);
     EXPECT_EQ(load(AddThumb("folder", Location(""))), -1);
     EXPECT_EQ(load(music), -1);
+}
+
+TEST_F(ArtworkFile, PicturesOfRealFilesAreWhole) {
+    const std::filesystem::path samples = SAMPLES_FOLDER;
+    if (!std::filesystem::is_directory(samples)) GTEST_SKIP() << "no files of others";
+    size_t pictures = 0;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(samples)) {
+        if (entry.path().extension() != ".itc") continue;
+        const std::string file = ReadWholeFile(entry.path());
+        const auto images = ReadArtworkFile(BackslashPath(entry.path()));
+        ASSERT_TRUE(images) << entry;
+        for (const ArtworkImage &image : *images) {
+            const std::string bytes =
+                file.substr(static_cast<size_t>(image.offset), static_cast<size_t>(image.size));
+            EXPECT_EQ(bytes.size(), static_cast<size_t>(image.size)) << entry;
+            const std::map<std::string, bool> is_whole = {
+                {"png", bytes.starts_with("\x89PNG") && bytes.find("IEND", bytes.size() - 8) != bytes.npos},
+                {"jpg", bytes.starts_with("\xFF\xD8") && bytes.ends_with("\xFF\xD9")},
+                {"argb", image.size == image.width * image.height * 4},
+                {"bgra", image.size == image.width * image.height * 4}};
+            EXPECT_TRUE(is_whole.at(image.type)) << entry << " " << image.type;
+            ++pictures;
+        }
+    }
+    EXPECT_GT(pictures, 0U);
 }
 
 // The walk as it is told, with texts cut out of the whole file.
