@@ -39,7 +39,7 @@ void ChildIndex::Add(const DriverPath &parent, int32_t position) {
 
 void ChildIndex::Put(const DriverPath &parent, const Key &key, int32_t position) {
     if (key.text.data() == nullptr) return;
-    if (slots_.size() - slots_.size() / 8 <= used_) Resize(std::max(kFirstSlots, slots_.size() * 2));
+    if (slots_.size() - slots_.size() / 8 <= used_) Resize(slots_.size() * 2);
     Slot &slot = slots_[SlotOf(parent, key)];
     if (slot.next != 0) return;
     slot.hash = key.hash;

@@ -17,11 +17,11 @@ constexpr int32_t kLibraryPosition = 0;
 constexpr int32_t kGeniusPosition = 1;
 constexpr int32_t kPlaylistPosition = 2;
 
-// Names come from the pool, like the nodes: a library has more of them than of anything else.
 void FreeName(char *name) {
     if (name != nullptr) ReturnToPool(name, std::strlen(name) + 1);
 }
 
+// Names come from the pool, like the nodes: a library has more of them than of anything else.
 void AppendName(DriverPath *path, std::string_view name) {
     auto *copy = static_cast<char *>(TakeFromPool(name.size() + 1));
     if (copy == nullptr) throw std::bad_alloc();
